@@ -13,8 +13,8 @@ class VxBaseDriver;
 
 namespace vx {
 
-/// What a controller does for its drivers: `VxBaseDriver` hands every service that a driver asks for
-/// to the one `IDriverHost` of its instance manager, with the asking driver in front. See
+/// What a controller does for its drivers: `VxBaseDriver` hands every service that a driver asks
+/// for to the one `IDriverHost` of its instance manager, with the asking driver in front. See
 /// `VxBaseDriver` for what each operation means. Called on the driver's thread; a controller must
 /// not call back into the driver before it returns, but for a variable's present value inside
 /// `VmRegisterListener`.

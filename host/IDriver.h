@@ -23,8 +23,7 @@ class IDriver {
   /// Once, before anything else. `config` is the driver's configuration, `persisted` what
   /// `GetPersistState` answered in an earlier life, or null; both are borrowed for the call.
   /// 0 on success.
-  virtual int Initialize(unsigned long deviceId, VxXML::INode& config,
-                         VxXML::INode* persisted) = 0;
+  virtual int Initialize(unsigned long deviceId, VxXML::INode& config, VxXML::INode* persisted) = 0;
   /// What the driver wants to find again at its next start; null where it has nothing to keep.
   virtual vx::auto_com<VxXML::INode> GetPersistState(unsigned long flags) = 0;
   /// Executes a command. 0, whether or not the command is known; `result` may be null.
@@ -46,8 +45,8 @@ class IDriver {
   virtual unsigned long Release() = 0;
 };
 
-/// What `GetCreationFunc` yields: creates a driver on the instance manager; the caller owns it. Null
-/// where it cannot be created.
+/// What `GetCreationFunc` yields: creates a driver on the instance manager; the caller owns it.
+/// Null where it cannot be created.
 using VxCreateFunc = IDriver* (*)(IInstanceManager&);
 /// The one unmangled entry point of a driver library, named "GetCreationFunc".
 using VxGetCreationFunc = VxCreateFunc (*)();

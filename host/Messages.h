@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// The messages that pass between a controller and its drivers. The controller makes them, they live
-/// for the call that carries them, and nobody else deletes them.
+/// The messages that pass between a controller and its drivers. The controller makes them, they
+/// live for the call that carries them, and nobody else deletes them.
 
 /// A command or a request: a name and named text parameters.
 class ICmdMessage {

@@ -32,9 +32,9 @@ class ICommCallback {
 };
 
 /// What every driver is derived from. A driver overrides what it wants to answer; each default does
-/// nothing and gives the empty answer. The operations without `virtual` are what a driver may ask of
-/// its controller, at any time from its creation to its destruction, on the thread on which it is
-/// called. They do not call back into the driver before they return, with one exception, see
+/// nothing and gives the empty answer. The operations without `virtual` are what a driver may ask
+/// of its controller, at any time from its creation to its destruction, on the thread on which it
+/// is called. They do not call back into the driver before they return, with one exception, see
 /// `VmRegisterListener`.
 class VX_API VxBaseDriver : public IDriver, public ICommCallback, public IVariableCallback {
  public:
@@ -56,6 +56,10 @@ class VX_API VxBaseDriver : public IDriver, public ICommCallback, public IVariab
   void OnVariableChanged(unsigned long deviceId, unsigned long variableId,
                          const std::string& value) override;
   void OnTimerExpired(unsigned long timerId, long reserved) override;
+
+  /// What the driver declared itself to be at its creation.
+  VxDriverType GetDriverType() const;
+  VxMultiplicity GetMultiplicity() const;
 
   unsigned long AddRef() override;
   unsigned long Release() override;
@@ -111,7 +115,8 @@ class VX_API VxBaseDriver : public IDriver, public ICommCallback, public IVariab
   /// A message for `SendBoundCall`, or null where the controller gives none. The caller owns the
   /// reference.
   vx::auto_com<IBindMessage> CreateBindMessage();
-  /// Calls whatever is connected to a binding. The message stays the caller's; `result` may be null.
+  /// Calls whatever is connected to a binding. The message stays the caller's; `result` may be
+  /// null.
   void SendBoundCall(unsigned long bindingId, const IBindMessage& message, ICmdReturn* result);
 
   /// Shows an element to every user interface that listens. The node stays the caller's.

@@ -10,9 +10,9 @@
 /// own, attributes (where it was parsed from a text that has some) and child elements. Comments,
 /// processing instructions and white space between elements are no children.
 ///
-/// Numbers are decimal text. Reading follows `strtol` and `strtoul` in base 10: leading blanks and a
-/// sign are allowed, reading stops at the first character that is no digit, and no digits are 0; a
-/// value beyond the type is saturated by them and then narrowed.
+/// Numbers are decimal text. Reading follows `strtol` and `strtoul` in base 10: leading blanks and
+/// a sign are allowed, reading stops at the first character that is no digit, and no digits are 0;
+/// a value beyond the type is saturated by them and then narrowed.
 ///
 /// All of it belongs to the driver's thread.
 namespace VxXML {
@@ -87,8 +87,9 @@ class VX_API IDocument {
 VX_API vx::auto_com<INode> CreateXmlNode(std::string_view name, std::string_view value);
 
 /// Parses one XML document from UTF-8 text. Null where it does not parse: not well-formed, invalid
-/// UTF-8, a NUL, a document type declaration, more than 256 levels of elements or more than 256 MiB.
-/// Nothing outside the text is ever read. An encoding named in the text's declaration is ignored.
+/// UTF-8, a NUL, a document type declaration, more than 256 levels of elements or more than 256
+/// MiB. Nothing outside the text is ever read. An encoding named in the text's declaration is
+/// ignored.
 VX_API vx::auto_com<IDocument> CreateXmlDocument(std::string_view text);
 
 }  // namespace VxXML
