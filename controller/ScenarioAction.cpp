@@ -1,0 +1,119 @@
+#include "controller/ScenarioAction.h"
+
+#include <limits>
+
+#include "controller/LocalTimeText.h"
+
+namespace controller {
+namespace {
+
+using nlohmann::json;
+
+constexpr std::size_t kMostQuoted = 60;
+
+std::string Quoted(const char* key) { return '"' + std::string(key) + '"'; }
+
+// The value as it stands in the line, shortened.
+std::string Shown(const json& value) {
+  std::string text = value.dump(-1, ' ', true, json::error_handler_t::replace);
+  if (text.size() > kMostQuoted) text = text.substr(0, kMostQuoted) + "...";
+  return text;
+}
+
+// The parser's own words, without its name and number in front.
+std::string ParserMessage(const json::exception& error) {
+  const std::string what = error.what();
+  const std::size_t end = what.find("] ");
+  return end == std::string::npos ? what : what.substr(end + 2);
+}
+
+}  // namespace
+
+long long ToInteger(const json& value, const std::string& what) {
+  const bool tooLarge = value.is_number_unsigned() &&
+                        value.get<std::uint64_t>() >
+                            static_cast<std::uint64_t>(std::numeric_limits<long long>::max());
+  if (!value.is_number_integer() || tooLarge) {
+    throw ScenarioError(what + " is " + Shown(value) + "; give a whole number");
+  }
+  return value.get<long long>();
+}
+
+double ToNumber(const json& value, const std::string& what) {
+  if (!value.is_number()) throw ScenarioError(what + " is " + Shown(value) + "; give a number");
+  return value.get<double>();
+}
+
+const std::string& ToText(const json& value, const std::string& what) {
+  if (!value.is_string()) throw ScenarioError(what + " is " + Shown(value) + "; give a text");
+  return value.get_ref<const std::string&>();
+}
+
+ScenarioAction::ScenarioAction(const std::string& line) {
+  try {
+    json_ = json::parse(line);
+  } catch (const json::exception& error) {
+    throw ScenarioError("not valid JSON: " + ParserMessage(error));
+  }
+  if (!json_.is_object()) {
+    throw ScenarioError("the line is " + Shown(json_) + "; give an object with \"do\"");
+  }
+  name_ = Text("do");
+}
+
+const json& ScenarioAction::Value(const char* key) const {
+  const auto found = json_.find(key);
+  if (found == json_.end()) throw ScenarioError(Quoted(key) + " is missing");
+  return *found;
+}
+
+std::string ScenarioAction::Text(const char* key) const { return ToText(Value(key), Quoted(key)); }
+
+std::optional<std::string> ScenarioAction::OptionalText(const char* key) const {
+  if (!Has(key) || Value(key).is_null()) return std::nullopt;
+  return Text(key);
+}
+
+long long ScenarioAction::Integer(const char* key) const {
+  return ToInteger(Value(key), Quoted(key));
+}
+
+unsigned long ScenarioAction::Id(const char* key) const {
+  const long long id = Integer(key);
+  if (id < 0) throw ScenarioError(Quoted(key) + " is " + std::to_string(id) + "; give 0 or more");
+  return static_cast<unsigned long>(id);
+}
+
+std::time_t ScenarioAction::Time(const char* key) const {
+  const json& value = Value(key);
+  if (value.is_number_integer()) return ToInteger(value, Quoted(key));
+  if (value.is_string()) {
+    if (const auto time = ParseLocalTime(value.get_ref<const std::string&>())) return *time;
+  }
+  throw ScenarioError(Quoted(key) + " is " + Shown(value) +
+                      "; give seconds since the epoch or YYYY-MM-DDTHH:MM:SS");
+}
+
+CommandMessage::Params ScenarioAction::Params(const char* key) const {
+  CommandMessage::Params params;
+  if (!Has(key)) return params;
+  const json& object = Value(key);
+  if (!object.is_object()) {
+    throw ScenarioError(Quoted(key) + " is " + Shown(object) + "; give an object of texts");
+  }
+  for (const auto& [name, value] : object.items()) {
+    params.emplace(name, ToText(value, Quoted(key) + "." + Quoted(name.c_str())));
+  }
+  return params;
+}
+
+const json& ScenarioAction::List(const char* key, std::size_t count) const {
+  const json& list = Value(key);
+  if (!list.is_array() || list.size() != count) {
+    throw ScenarioError(Quoted(key) + " is " + Shown(list) + "; give a list of " +
+                        std::to_string(count) + (count == 1 ? " value" : " values"));
+  }
+  return list;
+}
+
+}  // namespace controller
