@@ -1,7 +1,5 @@
 #include "controller/HostMessages.h"
 
-#include <utility>
-
 namespace controller {
 
 void BindMessage::Release() {

@@ -33,7 +33,7 @@ using CommandMessage = TextMessage<ICmdMessage>;
 using ConditionMessage = TextMessage<ICondMessage>;
 
 /// What `CreateBindMessage` gives a driver. Born with one reference, which is the driver's.
-class BindMessage : public IBindMessage {
+class BindMessage final : public IBindMessage {
  public:
   BindMessage() = default;
   BindMessage(const BindMessage&) = delete;

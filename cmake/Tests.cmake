@@ -1,0 +1,18 @@
+# Every test program runs in these zones, its tests in another order each time: nothing may depend on
+# where the house is, or on what ran before.
+set(VEXALINK_TEST_ZONES UTC America/New_York Australia/Lord_Howe Asia/Kolkata)
+
+# vexalink_add_test(<target> SOURCES <file>... [LIBRARIES <target>...])
+# A GoogleTest program from the sources of one folder, registered once for each zone. It is linked
+# with the test support, which answers time().
+function(vexalink_add_test target)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${target} ${arg_SOURCES})
+  target_link_libraries(${target} PRIVATE
+    ${arg_LIBRARIES} vexalink_test_support vexalink_warnings GTest::gmock GTest::gtest_main)
+  set_target_properties(${target} PROPERTIES ENABLE_EXPORTS ON)
+  foreach(zone IN LISTS VEXALINK_TEST_ZONES)
+    add_test(NAME ${target}/${zone} COMMAND ${target} --gtest_shuffle --gtest_brief=1)
+    set_tests_properties(${target}/${zone} PROPERTIES ENVIRONMENT TZ=${zone} TIMEOUT 300)
+  endforeach()
+endfunction()
