@@ -1,0 +1,43 @@
+#pragma once
+
+#include <filesystem>
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+#include "controller/Controller.h"
+#include "controller/Failure.h"
+
+namespace controller {
+
+/// `vexalink import`: what was asked for.
+struct ImportOptions {
+  /// "-" is standard input.
+  std::string file;
+  std::filesystem::path project;
+  std::string agent;
+  bool dryRun = false;
+  /// Import also where events would be lost.
+  bool force = false;
+};
+
+/// `vexalink export`: what was asked for.
+struct ExportOptions {
+  std::filesystem::path project;
+  /// "-" is standard output.
+  std::string file = "-";
+  /// Not the present schedule but one that was put aside, 1 for the newest.
+  std::optional<unsigned> backup;
+};
+
+/// Runs a controller until it is told to end. Logs; throws nothing.
+ExitStatus RunServe(const ServeOptions& options);
+
+/// Checks a schedule, tells on `out` what of it would be lost or become another, and makes it the
+/// project's, all of it or nothing. Throws a `Failure`.
+ExitStatus RunImport(const ImportOptions& options, std::ostream& out);
+
+/// Writes a schedule as it is kept. A file is there whole or not at all. Throws a `Failure`.
+ExitStatus RunExport(const ExportOptions& options);
+
+}  // namespace controller

@@ -1,0 +1,123 @@
+#include "controller/Controller.h"
+
+#include <csignal>
+#include <ctime>
+#include <utility>
+
+#include "controller/Clock.h"
+#include "controller/Log.h"
+#include "controller/Printable.h"
+#include "controller/ProjectPath.h"
+#include "controller/ProjectVariables.h"
+#include "controller/ScheduleSummary.h"
+#include "controller/ServiceNotify.h"
+#include "controller/TimeZone.h"
+
+namespace controller {
+
+namespace {
+
+/// Keeps the clock from going on between the end of one scheduler and the start of the next.
+class StoppedClock {
+ public:
+  StoppedClock() { Clock::Freeze(std::time(nullptr)); }
+  ~StoppedClock() { Clock::Release(); }
+  StoppedClock(const StoppedClock&) = delete;
+  StoppedClock& operator=(const StoppedClock&) = delete;
+};
+
+}  // namespace
+
+const std::filesystem::path& PreparedProject(const std::filesystem::path& project) {
+  MakeFolderFor(project);
+  return project;
+}
+
+std::unique_ptr<DriverLoader> LoadDriver(const std::string& path) {
+  std::string error;
+  auto loader = DriverLoader::Open(path, &error);
+  if (loader == nullptr) throw Failure(Printable(error));
+  return loader;
+}
+
+Controller::~Controller() {
+  if (scheduler_ != nullptr) DestroyScheduler();
+}
+
+ExitStatus Controller::Run() {
+  ServiceNotify::Ready(status_);
+  event_base_dispatch(base_.get());
+  return Stop();
+}
+
+void Controller::OnEventFired(IDriver&, unsigned long eventId) {
+  // Its name is the scheduler's to tell, which is in the middle of this call.
+  queue_.Post([this, eventId] { TellFired(eventId); });
+}
+
+void Controller::OnBoundCall(IDriver&, unsigned long bindingId, const IBindMessage& message) {
+  Log::Debug("binding " + std::to_string(bindingId) + ": " + Quoted(message.GetCommand()));
+}
+
+void Controller::OnUiData(IDriver&, const VxXML::INode& data) {
+  Log::Debug("to user interfaces: " + Quoted(data.GetName()));
+}
+
+void Controller::OnStateInvalidated(IDriver&) { saver_.Invalidate(); }
+
+void Controller::OnProgrammingDropped(IDriver&, unsigned long ownerId, int kind) {
+  Log::Debug("programming of " + std::to_string(ownerId) + ", kind " + std::to_string(kind) +
+             ", is to be dropped");
+}
+
+void Controller::TellFired(unsigned long eventId) {
+  const auto event = scheduler_->Request("GET_EVENT", {{"EVENT_ID", std::to_string(eventId)}});
+  Log::Info(EventName(eventId, event ? event->GetText("description") : "") + " fired");
+}
+
+void Controller::OnSignal(int signal) {
+  if (signal == SIGHUP) return ReloadTimeZone();
+  Log::Info(std::string("stopping, ") + (signal == SIGINT ? "interrupted" : "asked to"));
+  event_base_loopbreak(base_.get());
+}
+
+void Controller::ReloadTimeZone() {
+  ServiceNotify::Reloading();
+  const std::string before = TimeZoneText();
+  {
+    const StoppedClock sameMoment;
+    host_.ExpireTimers();  // what is due now belongs to the old zone, and a new scheduler leaves it
+                           // out
+    std::optional<std::string> state = scheduler_->PersistText();
+    if (state) state = ReadableState(*std::move(state));
+    controller::ReloadTimeZone();
+    SetPlace();
+    DestroyScheduler();
+    CreateScheduler(state);
+  }
+  saver_.Invalidate();
+  const std::string after = TimeZoneText();
+  Log::Info(before == after ? "time zone read again: " + after + ", as before"
+                            : "time zone was " + before + ", is now " + after);
+  TellSchedule();
+  ServiceNotify::Ready(status_);
+}
+
+void Controller::OnTrouble(const std::string& why) {
+  ServiceNotify::Status(why.empty() ? status_ : "the schedule cannot be saved: " + why);
+}
+
+ExitStatus Controller::Stop() {
+  ServiceNotify::Stopping();
+  queue_.Drain();
+  const bool saved = scheduler_ != nullptr && saver_.SaveNow();
+  if (scheduler_ != nullptr) DestroyScheduler();
+  if (saved) {
+    Log::Info("stopped, everything is saved");
+  } else {
+    Log::Error("stopped; what changed since the last save is lost");
+  }
+  return saved && !LoopFailed() ? ExitStatus::kOk : ExitStatus::kFailed;
+}
+
+}  // namespace controller
