@@ -1,6 +1,7 @@
 # Every test program runs in these zones, its tests in another order each time: nothing may depend on
-# where the house is, or on what ran before.
-set(VEXALINK_TEST_ZONES UTC America/New_York Australia/Lord_Howe Asia/Kolkata)
+# where the house is, or on what ran before. A slow build (sanitizers) may be given fewer zones.
+set(VEXALINK_TEST_ZONES UTC America/New_York Australia/Lord_Howe Asia/Kolkata
+    CACHE STRING "time zones in which every test program runs")
 
 # vexalink_add_test(<target> SOURCES <file>... [LIBRARIES <target>...])
 # A GoogleTest program from the sources of one folder, registered once for each zone. It is linked

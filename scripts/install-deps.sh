@@ -1,0 +1,100 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that a purpose needs, those that are missing only.
+#
+#   scripts/install-deps.sh [--check] run|test|bench
+#
+# run    what building and running the controller needs
+# test   that, and what ./test.sh needs
+# bench  the first, and what the benchmarks need
+#
+# --check installs nothing: exit status 0 where all is there, 1 and their names where some are not.
+# Needs root, or sudo.
+set -eu -o pipefail
+
+# g++ brings libbacktrace and the sanitizers' run-time libraries with it.
+run_packages=(
+  ca-certificates cmake g++ libcli11-dev libevent-dev libexpat1-dev libsqlite3-dev ninja-build
+  nlohmann-json3-dev pkgconf tzdata)
+test_packages=(binutils libgmock-dev libgtest-dev libical-dev python3)
+bench_packages=(libbenchmark-dev libical-dev libpugixml-dev)
+
+usage() {
+  sed -n '2,/^set /{/^set /d;s/^# \{0,1\}//;p}' "$0" >&2
+  exit 2
+}
+
+check=no
+if [ "${1:-}" = --check ]; then
+  check=yes
+  shift
+fi
+[ $# -eq 1 ] || usage
+case $1 in
+  run) wanted=("${run_packages[@]}") ;;
+  test) wanted=("${run_packages[@]}" "${test_packages[@]}") ;;
+  bench) wanted=("${run_packages[@]}" "${bench_packages[@]}") ;;
+  *) usage ;;
+esac
+
+if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+  echo "install-deps: no apt-get here; install by hand what these Debian packages hold:" \
+    "${wanted[*]}" >&2
+  exit 1
+fi
+
+# dpkg-query fails where it has never heard of one; what it prints of the others counts.
+installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' "${wanted[@]}" 2>/dev/null || true)
+missing=()
+for package in "${wanted[@]}"; do
+  grep -qxF "installed $package" <<<"$installed" || missing+=("$package")
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+  [ $check = yes ] || echo "install-deps: nothing to install, all ${#wanted[@]} packages are there"
+  exit 0
+fi
+if [ $check = yes ]; then
+  echo "${missing[*]}"
+  exit 1
+fi
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+  if ! command -v sudo >/dev/null; then
+    echo "install-deps: you are not root and there is no sudo; have root install:" \
+      "${missing[*]}" >&2
+    exit 1
+  fi
+  as_root=(sudo)
+fi
+
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+
+# apt_get STEP ARGUMENT...: what apt-get says goes to the log, its progress to the terminal. Both
+# come on one channel, because sudo passes on no other.
+apt_get() {
+  local step=$1
+  shift
+  if ! "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive LC_ALL=C apt-get -y -q \
+    -o APT::Status-Fd=1 -o DPkg::Lock::Timeout=120 "$@" </dev/null 2>&1 |
+    awk -F: -v step="$step" -v log_file="$log" '
+      /^(dl|pm)status:/ {
+        phase = /^dl/ ? "fetched" : "installed"
+        tenth = int($3 / 20) * 20
+        if (phase tenth != last && tenth > 0) { print step ": " tenth "% " phase; fflush() }
+        last = phase tenth
+        next
+      }
+      { print > log_file }'; then
+    echo "install-deps: apt-get $1 failed; it said:" >&2
+    tail -n 30 "$log" >&2
+    exit 1
+  fi
+}
+
+echo "install-deps: fetching the package lists"
+apt_get "install-deps" update
+echo "install-deps: installing ${missing[*]}"
+apt_get "install-deps" install --no-install-recommends "${missing[@]}"
+echo "install-deps: all ${#wanted[@]} packages are there"
