@@ -65,7 +65,8 @@ float Calculate(int dayOfYear, const Place& place, SunEvent event) {
   const long firstIndex = event == SunEvent::kSunrise ? index : index + 1;
   const float provisional = TimeAtDayIndex(firstIndex, place, event);
   if (std::isnan(provisional)) return provisional;
-  return TimeAtDayIndex(index + WholeDays(provisional), place, event);
+  const long secondIndex = index + WholeDays(provisional);
+  return secondIndex == firstIndex ? provisional : TimeAtDayIndex(secondIndex, place, event);
 }
 
 int DayAfter(int dayOfYear) { return dayOfYear >= kDaysInAnyYear ? 1 : dayOfYear + 1; }

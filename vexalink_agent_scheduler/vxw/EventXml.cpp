@@ -1,8 +1,7 @@
 // The event element: how a record is read from it and written to it.
 
-#include <ctime>
-
 #include "vexalink_agent_scheduler/vxw/EventAssert.h"
+#include "vexalink_agent_scheduler/vxw/LocalTime.h"
 #include "vexalink_agent_scheduler/vxw/ScheduledEvent.h"
 
 namespace {
@@ -85,9 +84,7 @@ void WriteNextOccurrence(INode& root, const Event& event) {
   next.AddInt("day", time.GetDay());
   next.AddInt("hour", time.GetHour());
   next.AddInt("min", time.GetMinute());
-  // The library's zone names follow its last conversion, which is to be the present moment's.
-  const std::tm* now = VxTime::GetCurrentTime().GetLocalTm(nullptr);
-  next.AddText("timezone", tzname[now != nullptr && now->tm_isdst == 1 ? 1 : 0]);
+  next.AddText("timezone", local_time::PresentZoneName());
 }
 
 void WriteRepeat(INode& root, const Event& event) {

@@ -2,32 +2,58 @@
 
 #include <ctime>
 
-/// The local calendar of the agent: the C library's, with one rule added.
+/// The local calendar of the agent: the C library's, with one rule added and its answers kept.
 namespace local_time {
 
 /// Seconds that a step from day to day takes in the recurrence rules, clock change or not.
 constexpr std::time_t kSecondsPerDay = 86400;
 
+/// A civil day of the local calendar on which the clocks do not change, nor in the three hours
+/// before: each of its seconds has one instant, and they follow each other without a gap. So
+/// whatever lies on it can be worked out without the C library.
+struct Day {
+  std::time_t begin = 0;  ///< local midnight
+  std::time_t end = 0;    ///< the next one
+  long long civil = 0;    ///< days since 1970-01-01
+  int year = 0;           ///< full year
+  int month = 0;          ///< 1..12
+  int day = 0;            ///< 1..31
+  int weekday = 0;        ///< 0 = Sunday .. 6 = Saturday
+  int yday = 0;           ///< 0 = 1 January
+  int isdst = 0;
+  long offset = 0;  ///< seconds east of UTC
+  const char* zone = nullptr;
+};
+
+/// The day of an instant; null where the clocks change on it (or just before), and where the C
+/// library cannot convert it. Days are kept while the zone stays what it is (see ZoneWatch.h): what
+/// is answered is what `localtime` would answer. Good until the next call of this namespace.
+const Day* FindDay(std::time_t instant);
+
 /// The local fields of an instant. False, and `out` untouched, where the C library cannot convert
 /// it.
 bool Fields(std::time_t instant, std::tm* out);
 
-/// The instant of local fields (out-of-range ones are normalised), -1 where there is none. With a
-/// `tm_isdst` of -1 a local time that occurs twice, because the clocks were set back, means the
-/// first of the two, whatever was converted before; a time in the gap of a clock change is what
-/// `mktime` makes of it. With 0 or 1 it is `mktime`'s own answer.
-std::time_t Instant(std::tm fields);
-
-/// Local midnight, or another time, of a civil day; `year` is the full year, `month` counts from 1.
-/// Everything may be out of range and is normalised.
+/// The instant of local fields (out-of-range ones are normalised), -1 where there is none. With an
+/// `isdst` of -1 a local time that occurs twice, because the clocks were set back, means the first
+/// of the two, whatever was converted before; a time in the gap of a clock change is what `mktime`
+/// makes of it. With 0 or 1 it is `mktime`'s own answer. `year` is the full year, `month` counts
+/// from 1.
 std::time_t Instant(int year, int month, int day, int hour, int minute, int second, int isdst);
 
 /// Days from 1970-01-01 to a civil day of the Gregorian calendar, extended to all years;
-/// `month` 1..12.
+/// `month` 1..12, `day` any number.
 long long CivilDays(long long year, int month, int day);
 
 /// Lengths of the months before `month` (1..12, else 0), and of `month` itself (1..12).
 int DaysBeforeMonth(int month, bool leapYear);
 int DaysInMonth(int month, bool leapYear);
+
+/// The zone's name at the present moment, daylight-saving or standard; the C library's, good until
+/// the next conversion. Its names follow its last conversion, which this makes one of the present.
+const char* PresentZoneName();
+
+/// The daylight-saving flag of the present moment: 1 in force, 0 not, or not known.
+int PresentDaylightFlag();
 
 }  // namespace local_time

@@ -1,10 +1,12 @@
 #include "vexalink_agent_scheduler/vxw/SunEvent.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "astro/AstroClock.h"
 #include "vexalink_agent_scheduler/vxw/LocalTime.h"
+#include "vexalink_agent_scheduler/vxw/ZoneWatch.h"
 
 namespace sun_event {
 namespace {
@@ -46,34 +48,63 @@ float MinutesUtc(const SunOperations& sun, int dayOfYear, float latitude, float 
 
 // `minutesUtc` on the local date of `date`, by the zone's standard offset and the daylight-saving
 // flag of the present moment.
-VxTime ToLocalInstant(float minutesUtc, const VxTime& date) {
+VxTime ToLocalInstant(float minutesUtc, const VxTime& date, int isdst) {
   const float hours = minutesUtc / 60.0f;
   const int hour = static_cast<int>(hours);
   const float minutesOfHour = (hours - static_cast<float>(hour)) * 60.0f;
   const int minute = static_cast<int>(minutesOfHour);
   const int second = static_cast<int>((minutesOfHour - static_cast<float>(minute)) * 60.0f);
-
   const int year = date.GetYear();
   const int month = date.GetMonth();
   const int day = date.GetDay();
-  const std::tm* now = VxTime::GetCurrentTime().GetLocalTm(nullptr);
-  const int isdst = now != nullptr && now->tm_isdst == 1 ? 1 : 0;
+  VxTime::GetCurrentTime().GetLocalTm(nullptr);  // the library's `timezone` is to be the present's
   tzset();
   const int west = static_cast<int>(timezone);
   return VxTime(year, month, day, hour - west / 3600 + isdst, minute - west % 3600 / 60, second,
                 isdst);
 }
 
-}  // namespace
-
-std::optional<VxTime> Instant(Kind kind, const VxTime& date, double latitude, double longitude) {
+std::optional<VxTime> Calculate(Kind kind, const VxTime& date, double latitude, double longitude,
+                                int isdst) {
   float siteLatitude = Narrow(latitude);
   float siteLongitude = Narrow(longitude);
   AstroClock::FixupLatAndLong(siteLatitude, siteLongitude);
   const float minutes = MinutesUtc(kind == Kind::kSunrise ? kSunriseOperations : kSunsetOperations,
                                    DayOfYear(date), siteLatitude, siteLongitude);
   if (!std::isfinite(minutes)) return std::nullopt;
-  return ToLocalInstant(minutes, date);
+  return ToLocalInstant(minutes, date, isdst);
+}
+
+// The sun of one day at one site is the same for every event. What is kept is found by the civil
+// day and holds for one site, one daylight-saving flag of the present moment and one time zone.
+struct Kept {
+  unsigned generation = 0;  // 0: nothing is kept here
+  int isdst = 0;
+  long long civil = 0;
+  double latitude = 0;
+  double longitude = 0;
+  std::optional<VxTime> instant;
+};
+
+constexpr std::size_t kKeptDays = 512;  // a power of two
+std::array<Kept, kKeptDays * 2> kept;
+
+}  // namespace
+
+std::optional<VxTime> Instant(Kind kind, const VxTime& date, double latitude, double longitude) {
+  const int isdst = local_time::PresentDaylightFlag();
+  const local_time::Day* day = local_time::FindDay(date.Seconds());
+  if (day == nullptr) return Calculate(kind, date, latitude, longitude, isdst);
+  const long long civil = day->civil;
+  const unsigned generation = local_time::ZoneGeneration();
+  Kept& entry =
+      kept[static_cast<std::size_t>(civil) % kKeptDays * 2 + (kind == Kind::kSunset ? 1 : 0)];
+  if (entry.generation != generation || entry.civil != civil || entry.isdst != isdst ||
+      entry.latitude != latitude || entry.longitude != longitude) {
+    const auto instant = Calculate(kind, date, latitude, longitude, isdst);
+    entry = {local_time::ZoneGeneration(), isdst, civil, latitude, longitude, instant};
+  }
+  return entry.instant;
 }
 
 }  // namespace sun_event

@@ -15,28 +15,31 @@ std::tm* VxTime::GetLocalTm(std::tm* out) const {
 }
 
 int VxTime::GetYear() const {
-  const std::tm* local = GetLocalTm(nullptr);
-  return local == nullptr ? 0 : static_cast<int>(std::int64_t{local->tm_year} + 1900);
+  if (const local_time::Day* day = local_time::FindDay(seconds_)) return day->year;
+  std::tm local;
+  return GetLocalTm(&local) == nullptr ? 0 : static_cast<int>(std::int64_t{local.tm_year} + 1900);
 }
 
 int VxTime::GetMonth() const {
-  const std::tm* local = GetLocalTm(nullptr);
-  return local == nullptr ? 0 : local->tm_mon + 1;
+  if (const local_time::Day* day = local_time::FindDay(seconds_)) return day->month;
+  std::tm local;
+  return GetLocalTm(&local) == nullptr ? 0 : local.tm_mon + 1;
 }
 
 int VxTime::GetDay() const {
-  const std::tm* local = GetLocalTm(nullptr);
-  return local == nullptr ? 0 : local->tm_mday;
+  if (const local_time::Day* day = local_time::FindDay(seconds_)) return day->day;
+  std::tm local;
+  return GetLocalTm(&local) == nullptr ? 0 : local.tm_mday;
 }
 
 int VxTime::GetHour() const {
-  const std::tm* local = GetLocalTm(nullptr);
-  return local == nullptr ? -1 : local->tm_hour;
+  std::tm local;
+  return GetLocalTm(&local) == nullptr ? -1 : local.tm_hour;
 }
 
 int VxTime::GetMinute() const {
-  const std::tm* local = GetLocalTm(nullptr);
-  return local == nullptr ? -1 : local->tm_min;
+  std::tm local;
+  return GetLocalTm(&local) == nullptr ? -1 : local.tm_min;
 }
 
 bool YMD::operator==(YMD other) const {
