@@ -116,9 +116,18 @@ struct ParserDeleter {
 };
 using ParserPtr = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ParserDeleter>;
 
+// What is refused before a parser sees it; null where nothing is. Expat would take a NUL or such a mark
+// as a sign of UTF-16.
+const char* RefuseUnparsed(std::string_view text) {
+  if (text.size() > kMostBytes) return "larger than 256 MiB";
+  if (text.find('\0') != std::string_view::npos) return "holds a NUL";
+  if (text.starts_with("\xFE\xFF") || text.starts_with("\xFF\xFE")) return "not UTF-8";
+  return nullptr;
+}
+
 auto_com<VxXML::INode> Parse(std::string_view text) {
-  if (text.size() > kMostBytes) {
-    lastError = "larger than 256 MiB";
+  if (const char* why = RefuseUnparsed(text)) {
+    lastError = why;
     return nullptr;
   }
   // Texts are UTF-8 whatever their declaration says: they come as strings, not as files.

@@ -1,7 +1,5 @@
 // The event table: what goes in, what comes out, what is looked up.
 
-#include <algorithm>
-
 #include "vexalink_agent_scheduler/vxw/AgentAssert.h"
 #include "vexalink_agent_scheduler/vxw/vexalink_agent_scheduler.h"
 
@@ -21,9 +19,10 @@ unsigned long vexalink_agent_scheduler::AddEvent(Event* event, bool assignNewId,
   Check(!events.contains(id), agent_assert::kIdTaken);
   if (registerButton) RegisterButton(*event);
   if (events.try_emplace(id, event).second) {
+    descriptions.emplace(event->description, id);
     owned.release();
   } else {
-    setAside.push_back(std::move(owned));
+    setAside.emplace(id, std::move(owned));
   }
   if (event->OccursOnDate(VxTime::GetCurrentTime())) ScheduleEvent(event, /*schedulePast=*/false);
   return id;
@@ -49,22 +48,37 @@ void vexalink_agent_scheduler::RegisterButton(const Event& event) {
                        /*label=*/"");
 }
 
+unsigned long vexalink_agent_scheduler::LowestIdOf(std::string_view description) const {
+  const auto found = descriptions.lower_bound({description, 0});
+  return found != descriptions.end() && found->first == description ? found->second : 0;
+}
+
 bool vexalink_agent_scheduler::IsDuplicateEvent(const Event* event) const {
-  return std::any_of(events.begin(), events.end(), [event](const auto& entry) {
-    return entry.second->description == event->description;
-  });
+  return LowestIdOf(event->description) != 0;
+}
+
+// Takes the first entry with this id out of today's list: the table's record, or one set aside.
+void vexalink_agent_scheduler::RemoveFirstFromToday(unsigned long id) {
+  Event* first = nullptr;
+  const auto consider = [&first](Event* event) {
+    if (!event->today.isListed) return;
+    if (first == nullptr || TodaysIndex::IsBefore(*event, *first)) first = event;
+  };
+  if (const auto entry = events.find(id); entry != events.end()) consider(entry->second);
+  const auto [begin, end] = setAside.equal_range(id);
+  for (auto aside = begin; aside != end; ++aside) consider(aside->second.get());
+  if (first != nullptr) todaysIndex.Remove(*first);
 }
 
 void vexalink_agent_scheduler::DeleteEvent(unsigned long id, bool unregisterBinding) {
-  const auto scheduled = std::find_if(todaysEvents.begin(), todaysEvents.end(),
-                                      [id](const Event* e) { return e->eventid == id; });
-  if (scheduled != todaysEvents.end()) todaysEvents.erase(scheduled);
+  RemoveFirstFromToday(id);
   const auto entry = events.find(id);
   if (entry == events.end()) return;
   if (unregisterBinding) UnregisterBinding(id);
-  // The first of today's entries with this id may have been that of a record set aside.
-  todaysEvents.remove(entry->second);
-  delete entry->second;
+  Event* const event = entry->second;
+  todaysIndex.Remove(*event);  // the entry taken out above may have been that of a record set aside
+  descriptions.erase({event->description, id});
+  delete event;
   events.erase(entry);
 }
 
@@ -92,10 +106,7 @@ vx::auto_com<VxXML::INode> vexalink_agent_scheduler::GetEvent(unsigned long id) 
 }
 
 unsigned long vexalink_agent_scheduler::GetEventIdByDescription(const std::string& description) {
-  const auto entry = std::find_if(events.begin(), events.end(), [&description](const auto& e) {
-    return e.second->description == description;
-  });
-  return entry == events.end() ? 0 : entry->first;
+  return LowestIdOf(description);
 }
 
 bool vexalink_agent_scheduler::DoesEventExist(unsigned long id) { return events.contains(id); }

@@ -1,8 +1,11 @@
 // Today's schedule: building it, firing from it, and the listing of other days.
 
 #include <cstdlib>
-#include <iterator>
+#include <utility>
+#include <vector>
 
+#include "vexalink_agent_scheduler/vxw/LocalTime.h"
+#include "vexalink_agent_scheduler/vxw/ZoneWatch.h"
 #include "vexalink_agent_scheduler/vxw/vexalink_agent_scheduler.h"
 
 namespace {
@@ -18,40 +21,59 @@ void vexalink_agent_scheduler::GetEventsOnDate(VxTime date, std::list<Event*>* o
   }
 }
 
-void vexalink_agent_scheduler::ScheduleEvent(Event* event, bool schedulePast) {
+// Works out when the event fires today; false where it is left out.
+bool vexalink_agent_scheduler::SetFireTime(Event& event, bool schedulePast) const {
   const VxTime now = VxTime::GetCurrentTime();
-  VxTime time = event->EventTime(now);
-  if (event->randomize > 0) {
-    const long long spread = event->randomize;
+  VxTime time = event.EventTime(now);
+  if (event.randomize > 0) {
+    const long long spread = event.randomize;
     // Drawn also where the event is then left out: who seeds the generator can rely on the count.
     const long long minutes = std::rand() % (2 * spread + 1) - spread;
     time = VxTime(time.Seconds() + minutes * 60);
   }
-  if (time <= now && !schedulePast) return;
-  event->next_fire = time;
-  auto position = todaysEvents.end();
-  while (position != todaysEvents.begin() && (*std::prev(position))->next_fire > time) --position;
-  todaysEvents.insert(position, event);
+  if (time <= now && !schedulePast) return false;
+  event.next_fire = time;
+  return true;
+}
+
+void vexalink_agent_scheduler::ScheduleEvent(Event* event, bool schedulePast) {
+  todaysIndex.Remove(*event);
+  if (SetFireTime(*event, schedulePast)) todaysIndex.Insert(*event);
 }
 
 void vexalink_agent_scheduler::CalculateTodaysEvents(bool skipPast) {
-  todaysEvents.clear();
+  todaysIndex.Clear();
   std::list<Event*> today;
   GetEventsOnDate(VxTime::GetCurrentTime(), &today);
-  for (Event* event : today) ScheduleEvent(event, !skipPast);
+  std::vector<Event*> scheduled;
+  scheduled.reserve(today.size());
+  for (Event* event : today) {
+    if (SetFireTime(*event, !skipPast)) scheduled.push_back(event);
+  }
+  todaysIndex.Assign(std::move(scheduled));
 }
 
 void vexalink_agent_scheduler::OnTimerExpired(unsigned long id, long /*reserved*/) {
   if (id != timerId) return;
   const VxTime now = VxTime::GetCurrentTime();
+  ForgetZoneEachMinute(now);
   while (!todaysEvents.empty() && now >= todaysEvents.front()->next_fire) {
-    Fire(*todaysEvents.front());
-    todaysEvents.pop_front();
+    Event* const event = todaysEvents.front();
+    Fire(*event);
+    todaysIndex.Remove(*event);
   }
   if (!DayHasChanged(now)) return;
   scheduleDate = now;
   CalculateTodaysEvents(/*skipPast=*/false);
   DumpTodaysEvents();
+}
+
+// The time zone may have been changed in a way that cannot be seen at once; see ZoneWatch.h.
+void vexalink_agent_scheduler::ForgetZoneEachMinute(VxTime now) {
+  const std::time_t minute = now.Seconds() / 60;
+  if (minute == zoneForgotten) return;
+  zoneForgotten = minute;
+  local_time::ForgetZone();
 }
 
 void vexalink_agent_scheduler::Fire(const Event& event) {
@@ -71,6 +93,11 @@ void vexalink_agent_scheduler::Fire(const Event& event) {
 // counts as a new day, one set back to 5 February does not. Kept: what a schedule does after its
 // clock was set back must not change under its owner (DayChange.ComparesFieldByField).
 bool vexalink_agent_scheduler::DayHasChanged(VxTime now) const {
+  const local_time::Day* today = local_time::FindDay(now.Seconds());
+  if (today != nullptr && scheduleDate.Seconds() >= today->begin &&
+      scheduleDate.Seconds() < today->end) {
+    return false;
+  }
   return now.GetYear() > scheduleDate.GetYear() || now.GetMonth() > scheduleDate.GetMonth() ||
          now.GetDay() > scheduleDate.GetDay();
 }

@@ -55,14 +55,15 @@ bool ClocksStandStill(std::time_t begin, const std::tm& local) {
          last.tm_mday == local.tm_mday && last.tm_sec == 59;
 }
 
-// Keeps the day of `instant`, whose fields are `local`; null where the clocks change on it.
-const Day* Keep(std::time_t instant, const std::tm& local, unsigned generation) {
-  const std::time_t begin = instant - (local.tm_hour * 3600L + local.tm_min * 60L + local.tm_sec);
-  if (!ClocksStandStill(begin, local)) return nullptr;
-  Day day;
+// Keeps the day that begins at `begin` and has the fields of `local`, one of its instants.
+const Day* Keep(std::time_t begin, const std::tm& local, unsigned generation) {
+  const long long civil = FloorDivide(begin + local.tm_gmtoff, kSecondsPerDay);
+  KeptDay& slot = Slot(civil);
+  slot.generation = generation;
+  Day& day = slot.day;
   day.begin = begin;
   day.end = begin + kSecondsPerDay;
-  day.civil = FloorDivide(begin + local.tm_gmtoff, kSecondsPerDay);
+  day.civil = civil;
   day.year = static_cast<int>(std::int64_t{local.tm_year} + 1900);
   day.month = local.tm_mon + 1;
   day.day = local.tm_mday;
@@ -72,9 +73,13 @@ const Day* Keep(std::time_t instant, const std::tm& local, unsigned generation) 
   day.offset = local.tm_gmtoff;
   day.zone = local.tm_zone;
   lastOffset = day.offset;
-  KeptDay& slot = Slot(day.civil);
-  slot = {generation, day};
-  return &slot.day;
+  return &day;
+}
+
+// The day of `instant`, whose fields are `local`; null where the clocks change on it.
+const Day* KeepDayOf(std::time_t instant, const std::tm& local, unsigned generation) {
+  const std::time_t begin = instant - (local.tm_hour * 3600L + local.tm_min * 60L + local.tm_sec);
+  return ClocksStandStill(begin, local) ? Keep(begin, local, generation) : nullptr;
 }
 
 const Day* FindKept(std::time_t instant, unsigned generation) {
@@ -82,6 +87,20 @@ const Day* FindKept(std::time_t instant, unsigned generation) {
   const bool found =
       slot.generation == generation && instant >= slot.day.begin && instant < slot.day.end;
   return found ? &slot.day : nullptr;
+}
+
+// The day of `instant` from the kept day before it: one look at its last second tells whether the
+// clocks stand still.
+const Day* KeepDayAfterKept(std::time_t instant, unsigned generation) {
+  const Day* before = FindKept(instant - kSecondsPerDay, generation);
+  if (before == nullptr) return nullptr;
+  const std::time_t begin = before->end;
+  std::tm last;
+  if (!Convert(begin + kSecondsPerDay - 1, &last) || last.tm_gmtoff != before->offset ||
+      last.tm_isdst != before->isdst || last.tm_hour != 23 || last.tm_sec != 59) {
+    return nullptr;
+  }
+  return Keep(begin, last, generation);
 }
 
 void FillFields(const Day& day, std::time_t instant, std::tm* out) {
@@ -117,23 +136,19 @@ constexpr std::array<int, 13> kDaysBefore = {0,   31,  59,  90,  120, 151, 181,
 const Day* FindDay(std::time_t instant) {
   const unsigned generation = ZoneGeneration();
   if (const Day* day = FindKept(instant, generation)) return day;
+  if (const Day* day = KeepDayAfterKept(instant, generation)) return day;
   std::tm local;
-  return Convert(instant, &local) ? Keep(instant, local, generation) : nullptr;
+  return Convert(instant, &local) ? KeepDayOf(instant, local, generation) : nullptr;
 }
 
 bool Fields(std::time_t instant, std::tm* out) {
-  const unsigned generation = ZoneGeneration();
-  const Day* day = FindKept(instant, generation);
-  std::tm local;
-  if (day == nullptr) {
-    if (!Convert(instant, &local)) return false;
-    day = Keep(instant, local, generation);
-  }
-  if (day != nullptr) {
+  if (const Day* day = FindDay(instant)) {
     FillFields(*day, instant, out);
-  } else {
-    *out = local;
+    return true;
   }
+  std::tm local;
+  if (!Convert(instant, &local)) return false;
+  *out = local;
   return true;
 }
 

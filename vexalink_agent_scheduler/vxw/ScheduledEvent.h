@@ -1,10 +1,12 @@
 #pragma once
 
+#include <list>
 #include <optional>
 #include <string>
 #include <utility>
 
 #include "host/VxXml.h"
+#include "vexalink_agent_scheduler/vxw/CivilDay.h"
 #include "vexalink_agent_scheduler/vxw/VxTime.h"
 
 namespace Scheduler {
@@ -90,6 +92,11 @@ class Event {
   /// event must not be a repetition by 0 (none is found).
   std::optional<long long> FindOccurrence(VxTime origin, long long first, long long last) const;
 
+  /// The local day of `start`; worked out once for a zone.
+  const CivilDay& StartDay() const;
+  /// The start's weekday as weeks are counted by: 1 = Sunday .. 7 = Saturday, 0 where not known.
+  int StartWeekday() const { return StartDay().weekday; }
+
   /// Whether the event repeats by 0: it never happens, but every time it is asked becomes an
   /// assertion record.
   bool RepeatsByZero() const;
@@ -102,6 +109,13 @@ class Event {
   /// with an assertion record.
   static VxTime CalculateEventTime(const VxTime& date, Scheduler::OFFSET_TYPE offset, int minutes,
                                    double latitude, double longitude);
+
+  /// Where the event stands in today's list; kept by TodaysIndex.
+  struct TodaysEntry {
+    bool isListed = false;
+    unsigned long order = 0;  ///< rises with every insertion
+    std::list<Event*>::iterator entry;
+  };
 
   VxTime next_fire;  ///< when it fires today, as scheduled; written by the agent's schedule
   double latitude = 0;
@@ -119,10 +133,16 @@ class Event {
   unsigned int daymask = 0;  ///< bit 0 = Sunday .. bit 6 = Saturday
   bool hasEndDate = false;
   VxTime end_date;  ///< 23:59:59 of the last day; always set once the event was read or made
+  TodaysEntry today;
 
  private:
-  bool OccursDaily(VxTime date) const;
-  bool OccursWeekly(VxTime date) const;
-  bool OccursMonthly(VxTime date) const;
-  bool OccursYearly(VxTime date) const;
+  bool OccursDaily(const VxTime& date) const;
+  bool OccursWeekly(const VxTime& date) const;
+  bool OccursMonthly(const VxTime& date) const;
+  bool OccursYearly(const VxTime& date) const;
+
+  // What StartDay answered, for the start and the zone that it holds for.
+  mutable VxTime startDayOf;
+  mutable unsigned startDayZone = 0;
+  mutable CivilDay startDay;
 };

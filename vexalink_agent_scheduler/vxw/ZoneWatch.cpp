@@ -63,6 +63,6 @@ unsigned ZoneGeneration() {
   return generation;
 }
 
-void ForgetZone() { Renew(); }
+void ForgetZone() { ++generation; }
 
 }  // namespace local_time

@@ -109,7 +109,8 @@ vx::auto_com<VxXML::INode> vexalink_agent_scheduler::EventsToXml() const {
 }
 
 void vexalink_agent_scheduler::ClearAllEvents() {
-  todaysEvents.clear();
+  todaysIndex.Clear();
+  descriptions.clear();
   for (const auto& [id, event] : events) delete event;
   events.clear();
   setAside.clear();

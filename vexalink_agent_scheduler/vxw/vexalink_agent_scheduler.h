@@ -3,12 +3,16 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
+#include <set>
 #include <string>
-#include <vector>
+#include <string_view>
+#include <utility>
 
 #include "host/VxBaseDriver.h"
 #include "vexalink_agent_scheduler/vxw/IAgentScheduler.h"
 #include "vexalink_agent_scheduler/vxw/ScheduledEvent.h"
+#include "vexalink_agent_scheduler/vxw/TodaysIndex.h"
 
 /// The scheduler agent: keeps a table of events, works out which happen today and when, and on the
 /// tick of one timer fires what has come due. The whole face that the controller sees.
@@ -116,10 +120,13 @@ class vexalink_agent_scheduler : public VxBaseDriver, public IAgentScheduler {
   vx::auto_com<VxXML::INode> AnswerSunriseSunset(const ICmdMessage& message) const;
   // Event table
   void RegisterButton(const Event& event);
-  void RemoveFromToday(const Event* event);
+  unsigned long LowestIdOf(std::string_view description) const;
+  void RemoveFirstFromToday(unsigned long id);
   // Today's schedule
+  bool SetFireTime(Event& event, bool schedulePast) const;
   void Fire(const Event& event);
   bool DayHasChanged(VxTime now) const;
+  void ForgetZoneEachMinute(VxTime now);
 
   AutoQueryInstanceRegisterer queryRegisterer;
   std::map<unsigned long, Event*> events;  // owned
@@ -129,6 +136,12 @@ class vexalink_agent_scheduler : public VxBaseDriver, public IAgentScheduler {
   double longitude = 0;                    // degrees, host variable 1002
   VxTime scheduleDate;                     // when todaysEvents was last worked out
   unsigned long timerId = 0;               // 0 while no timer is armed
+
   // Records that were added under an id that was taken: not in the table, but scheduled.
-  std::vector<std::unique_ptr<Event>> setAside;
+  std::multimap<unsigned long, std::unique_ptr<Event>> setAside;
+  // The descriptions in the table with their ids, so that neither is looked for by a walk. Each
+  // views the text of its event, which does not change while the event is in the table.
+  std::set<std::pair<std::string_view, unsigned long>> descriptions;
+  TodaysIndex todaysIndex{todaysEvents};
+  std::time_t zoneForgotten = 0;  // the minute in which kept days were last forgotten
 };
