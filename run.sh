@@ -18,7 +18,7 @@ configure release "-DVEXALINK_TESTS=$tests"
 build release --target vexalink
 
 program=$PWD/build/release/bin/vexalink
-step "3/3 $program serve $*"
+step "3/3 $program serve${*:+ $*}"
 # Files named in the arguments are meant from where the caller stands.
 cd "$called_from"
 exec "$program" serve "$@"
