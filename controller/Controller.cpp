@@ -83,24 +83,31 @@ void Controller::OnSignal(int signal) {
 
 void Controller::ReloadTimeZone() {
   ServiceNotify::Reloading();
-  const std::string before = TimeZoneText();
-  {
-    const StoppedClock sameMoment;
-    host_.ExpireTimers();  // what is due now belongs to the old zone, and a new scheduler leaves it
-                           // out
-    std::optional<std::string> state = scheduler_->PersistText();
-    if (state) state = ReadableState(*std::move(state));
-    controller::ReloadTimeZone();
-    SetPlace();
-    DestroyScheduler();
-    CreateScheduler(state);
+  try {
+    RestartScheduler();
+    // As it was read then: by now the system's files name the new one.
+    const std::string before = std::exchange(zone_, TimeZoneText());
+    Log::Info(before == zone_ ? "time zone read again: " + zone_ + ", as before"
+                              : "time zone was " + before + ", is now " + zone_);
+    TellSchedule();
+  } catch (const Failure& failure) {
+    if (scheduler_ == nullptr) throw;
+    Log::Error(std::string("the time zone was not taken over: ") + failure.what());
   }
-  saver_.Invalidate();
-  const std::string after = TimeZoneText();
-  Log::Info(before == after ? "time zone read again: " + after + ", as before"
-                            : "time zone was " + before + ", is now " + after);
-  TellSchedule();
   ServiceNotify::Ready(status_);
+}
+
+void Controller::RestartScheduler() {
+  const StoppedClock sameMoment;
+  // What is due at this moment belongs to the old zone; a scheduler that starts leaves it out.
+  host_.ExpireTimers();
+  std::optional<std::string> state = scheduler_->PersistText();
+  if (state) state = ReadableState(*std::move(state));
+  controller::ReloadTimeZone();
+  SetPlace();
+  DestroyScheduler();
+  CreateScheduler(state);
+  saver_.Invalidate();
 }
 
 void Controller::OnTrouble(const std::string& why) {

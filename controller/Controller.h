@@ -62,22 +62,24 @@ class Controller final : private IHostObserver {
   void TellFired(unsigned long eventId);
   void OnSignal(int signal);
   void ReloadTimeZone();
+  void RestartScheduler();
   void OnTrouble(const std::string& why);
   ExitStatus Stop();
 
   ServeOptions options_;
   EventBase base_;
   Signals signals_;
+  std::unique_ptr<DriverLoader> loader_;
   ProjectLock lock_;
   ProjectStore store_;
   AssertLog asserts_;
   LoopQueue queue_;
   DaySeed seed_;
-  std::unique_ptr<DriverLoader> loader_;
   LiveDriverHost host_;
   std::unique_ptr<DriverInstance> scheduler_;
   StateSaver saver_;
   HousePlace place_;
+  std::string zone_;
   std::string status_;
 };
 

@@ -1,5 +1,4 @@
 #include <ctime>
-#include <unistd.h>
 #include <utility>
 
 #include "controller/Controller.h"
@@ -32,26 +31,26 @@ Controller::Controller(ServeOptions options)
     : options_(std::move(options)),
       base_(MakeEventBase()),
       signals_(base_.get(), [this](int signal) { OnSignal(signal); }),
+      loader_(LoadDriver(options_.agent)),
       lock_(PreparedProject(options_.project), "serve"),
       store_(options_.project, ProjectStore::Use::kKeep),
       queue_(base_.get()),
       seed_(store_.ProjectId()),
-      loader_(LoadDriver(options_.agent)),
       host_(base_.get(), seed_, *this),
       saver_(
           base_.get(), store_, kSchedulerName, [this] { return scheduler_->PersistText(); },
           [this](const std::string& why) { OnTrouble(why); }) {
-  Log::Info("vexalink " VEXALINK_VERSION ", process " + std::to_string(getpid()));
   Log::Info("project " + Quoted(options_.project.string()) + (store_.IsNew() ? ", new" : ""));
   SetPlace();
-  Log::Info("time zone " + TimeZoneText());
+  zone_ = TimeZoneText();
+  Log::Info("time zone " + zone_);
   Log::Info("agent " + Quoted(loader_->Path()));
   LoadSchedule();
   TellSchedule();
 }
 
 void Controller::SetPlace() {
-  place_ = FindHousePlace(store_, options_.place);
+  place_ = FindHousePlace(store_, std::exchange(options_.place, std::nullopt));
   const std::string line = "place " + PlaceText(place_.place) + ": " + place_.origin;
   place_.guessed ? Log::Warning(line) : Log::Info(line);
   host_.SetVariable(kProjectDevice, kLatitudeVariable, DegreesText(place_.place.latitude));

@@ -1,6 +1,7 @@
 #include "controller/ScheduleReview.h"
 
 #include <algorithm>
+#include <limits>
 #include <map>
 #include <optional>
 
@@ -86,6 +87,12 @@ void CheckDescriptions(std::vector<ReviewedEvent>& events) {
 }
 
 void AskScheduler(ScratchAgent& scratch, const VxXML::INode& child, ReviewedEvent& event) {
+  if (event.eventid > static_cast<unsigned long>(std::numeric_limits<long>::max())) {
+    return Add(
+        event.findings, Finding::Kind::kNote,
+        "its eventid is so large that it can be neither shown nor deleted, and that no event "
+        "may be addable after it; give a smaller one");
+  }
   const ScratchAgent::Answer answer = scratch.Offer(child);
   for (const std::string& assertion : answer.assertions) {
     Add(event.findings, Finding::Kind::kNote, "the scheduler objects to it (" + assertion + ")");

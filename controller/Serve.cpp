@@ -1,4 +1,6 @@
 #include <exception>
+#include <string>
+#include <unistd.h>
 
 #include "controller/Commands.h"
 #include "controller/Log.h"
@@ -6,6 +8,7 @@
 namespace controller {
 
 ExitStatus RunServe(const ServeOptions& options) {
+  Log::Info("vexalink " VEXALINK_VERSION ", process " + std::to_string(getpid()));
   try {
     Controller controller(options);
     return controller.Run();

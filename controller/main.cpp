@@ -1,13 +1,15 @@
 #include <CLI/CLI.hpp>
-#include <csignal>
 #include <exception>
 #include <iostream>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "controller/Commands.h"
 #include "controller/DriverLoader.h"
+#include "controller/Failure.h"
 #include "controller/Log.h"
+#include "controller/Place.h"
 #include "controller/Play.h"
 #include "controller/Printable.h"
 #include "controller/ProjectPath.h"
@@ -21,11 +23,11 @@ constexpr const char* kExitStatuses =
 
 /// The command line as it was given, for all commands.
 struct CommandLine {
-  std::string project;
-  std::string agent;
+  std::optional<std::string> project;
+  std::optional<std::string> agent;
   std::string latitude;
   std::string longitude;
-  LogLevel logLevel = LogLevel::kInfo;
+  std::string logLevel = "info";
   ServeOptions serve;
   ImportOptions import;
   ExportOptions exportOptions;
@@ -61,12 +63,7 @@ CLI::App* AddServe(CLI::App& app, CommandLine& line) {
   latitude->needs(longitude)->type_name("DEGREES");
   longitude->needs(latitude)->type_name("DEGREES");
   command->add_flag("--empty", line.serve.empty, "Start a new project without any events");
-  const std::map<std::string, LogLevel> levels = {{"error", LogLevel::kError},
-                                                  {"warning", LogLevel::kWarning},
-                                                  {"info", LogLevel::kInfo},
-                                                  {"debug", LogLevel::kDebug}};
   command->add_option("--log-level", line.logLevel, "error, warning, info (default) or debug")
-      ->transform(CLI::Transformer(levels, CLI::ignore_case).description(""))
       ->type_name("LEVEL");
   command->footer(
       std::string("SIGTERM and SIGINT end it, SIGHUP reads the time zone again. The log "
@@ -117,6 +114,17 @@ CLI::App* AddPlay(CLI::App& app, CommandLine& line) {
   return command;
 }
 
+LogLevel LevelOf(const std::string& name) {
+  const std::map<std::string, LogLevel> levels = {{"error", LogLevel::kError},
+                                                  {"warning", LogLevel::kWarning},
+                                                  {"info", LogLevel::kInfo},
+                                                  {"debug", LogLevel::kDebug}};
+  const auto found = levels.find(name);
+  if (found != levels.end()) return found->second;
+  throw Failure("--log-level is " + Quoted(name) + "; give error, warning, info or debug",
+                ExitStatus::kBadInput);
+}
+
 double Degrees(const std::string& option, const std::string& text) {
   if (const auto degrees = ReadDegrees(text)) return *degrees;
   throw Failure(option + " is " + Quoted(text) + "; give degrees, 52.52 for example",
@@ -133,18 +141,18 @@ std::optional<Place> GivenPlace(const CommandLine& line) {
 }
 
 ExitStatus Serve(CommandLine& line) {
-  Log::Configure(line.logLevel);
+  Log::Configure(LevelOf(line.logLevel));
   line.serve.place = GivenPlace(line);
   return RunServe(line.serve);
 }
 
 /// Fills in what the command line leaves open.
 void Complete(CommandLine& line, bool needsProject) {
-  if (line.agent.empty()) line.agent = DriverLoader::DefaultAgentPath();
-  line.serve.agent = line.import.agent = line.play.agentPath = line.agent;
+  const std::string agent = line.agent ? *line.agent : DriverLoader::DefaultAgentPath();
+  line.serve.agent = line.import.agent = line.play.agentPath = agent;
   if (!needsProject) return;
   const auto project =
-      ResolveProjectPath(line.project.empty() ? DefaultProjectPath().string() : line.project);
+      ResolveProjectPath(line.project ? *line.project : DefaultProjectPath().string());
   line.serve.project = line.import.project = line.exportOptions.project = project;
 }
 
@@ -161,7 +169,7 @@ int Main(int argc, char** argv) {
   CLI::App app("vexalink, a home-automation scheduler", "vexalink");
   CommandLine line;
   app.set_version_flag("--version", "vexalink " VEXALINK_VERSION, "Tell the version");
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
   app.footer(kExitStatuses);
   AddServe(app, line);
   AddImport(app, line);
@@ -171,6 +179,10 @@ int Main(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : static_cast<int>(ExitStatus::kBadInput);
+  }
+  if (app.get_subcommands().empty()) {
+    std::cerr << "vexalink: a command is missing\n" << app.help();
+    return static_cast<int>(ExitStatus::kBadInput);
   }
   try {
     return Run(app, line);
