@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a purpose needs, those that are missing only.
 #
-#   scripts/install-deps.sh [--check] run|test|bench
+#   scripts/install-deps.sh [--check] run|test|bench|fuzz|style
 #
 # run    what building and running the controller needs
 # test   that, and what ./test.sh needs
 # bench  the first, and what the benchmarks need
+# fuzz   the first, and the compiler of the fuzz targets
+# style  clang-format and clang-tidy
 #
 # --check installs nothing: exit status 0 where all is there, 1 and their names where some are not.
 # Needs root, or sudo.
@@ -17,6 +19,8 @@ run_packages=(
   nlohmann-json3-dev pkgconf tzdata)
 test_packages=(binutils libgmock-dev libgtest-dev libical-dev python3)
 bench_packages=(libbenchmark-dev libical-dev libpugixml-dev)
+fuzz_packages=(clang libclang-rt-dev llvm)
+style_packages=(clang-format clang-tidy)
 
 usage() {
   sed -n '2,/^set /{/^set /d;s/^# \{0,1\}//;p}' "$0" >&2
@@ -33,6 +37,8 @@ case $1 in
   run) wanted=("${run_packages[@]}") ;;
   test) wanted=("${run_packages[@]}" "${test_packages[@]}") ;;
   bench) wanted=("${run_packages[@]}" "${bench_packages[@]}") ;;
+  fuzz) wanted=("${run_packages[@]}" "${fuzz_packages[@]}") ;;
+  style) wanted=("${style_packages[@]}") ;;
   *) usage ;;
 esac
 

@@ -107,7 +107,8 @@ class House:
         (self.folder / "build" / "release").symlink_to(build)
         self.vexalink = build / "bin" / "vexalink"
         self.environment = dict(os.environ, TZ="Europe/Berlin", LC_ALL="C.UTF-8",
-                                HOME=str(self.folder), XDG_STATE_HOME=str(self.folder / "state"))
+                                HOME=str(self.folder), PYTHONDONTWRITEBYTECODE="1",
+                                XDG_STATE_HOME=str(self.folder / "state"))
         self.environment.pop("JOURNAL_STREAM", None)
         self.environment.pop("STATE_DIRECTORY", None)
 
