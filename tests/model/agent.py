@@ -9,7 +9,7 @@ import clib
 import event as event_model
 from clib import SECONDS_PER_DAY, int32, make_time, strtol, uint32, uint64
 from event import NO_DAY_LEFT, SUNRISE, SUNSET, Event, calculate_event_time
-from xmltree import Node, parse, serialise
+from xmltree import Node, parse
 
 SOURCE_FILE = "vexalink_agent_scheduler/vxw/vexalink_agent_scheduler"
 INTERFACE_ID = "7C2E51A0-3B9D-4e06-A8F1-9D44B0C7E315"
@@ -71,8 +71,8 @@ class Agent:
         for child in parent.children:
             if child.name != "event":
                 self._assert(misnamed_line)
-            text = serialise(child)
-            largest = max(largest, self.add_event_xml(text, assign_new_id=False, register_button=True))
+            event = Event.from_xml(self.host, child, self.latitude, self.longitude)
+            largest = max(largest, self.add_event(event, assign_new_id=False, register_button=True))
         return largest
 
     def get_persist_state(self) -> Node:

@@ -135,7 +135,7 @@ def _convert(instant: int) -> Optional[LocalTime]:
     if not answer:
         return None
     tm = answer.contents
-    return LocalTime(tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, tm.tm_sec,
+    return LocalTime(int32(tm.tm_year + 1900), tm.tm_mon + 1, tm.tm_mday, tm.tm_hour, tm.tm_min, tm.tm_sec,
                      tm.tm_wday + 1, tm.tm_isdst, tm.tm_gmtoff)
 
 

@@ -48,6 +48,10 @@ class Condition:
     def _section(self, name: str) -> Node:
         return self.root.child(name) or _NOTHING
 
+    def _is_missing(self, name: str) -> bool:
+        node = self.root.child(name)
+        return node is None or node.is_empty()
+
     def if_year(self) -> bool:
         if self.comparator == "BT":
             between = self._section("year_between")
@@ -137,11 +141,10 @@ class Condition:
             return self.now < sunrise or self.now > sunset
         if kind != "Within":
             return False
-        base_text, sign_text = self.root.text_of("offset_type"), self.root.text_of("offset")
-        if base_text == "":
+        if self._is_missing("offset_type"):
             return False
-        base = SUNRISE if base_text == "1" else SUNSET
-        sign = 0 if sign_text == "" else -1 if sign_text == "Before" else 1
+        base = SUNRISE if self.root.text_of("offset_type") == "1" else SUNSET
+        sign = 0 if self._is_missing("offset") else -1 if self.root.text_of("offset") == "Before" else 1
         one = time_today(base, 0)
         other = time_today(base, clib.int32(sign * self.root.int_of("offset_minutes")))
         return min(one, other) <= self.now <= max(one, other)

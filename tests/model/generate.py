@@ -111,6 +111,7 @@ class Scenario:
             tag(name, "".join(f"&#{ord(c)};" for c in text)) if text.isalnum() else tag(name, text),
             tag(name, text[:middle], "<b>9</b>", text[middle:]),
             tag(name, " ", text, " "),
+            tag(name, text, "&#13;&#9;&#10;x"),
             tag(name, text) + tag(name, "7"),
             tag(name, "7") + tag(name, text),
             tag(name + "x", text),
@@ -454,9 +455,9 @@ class Scenario:
         if self.chance(0.6):
             parts.append(self.leaf("type", self.rng.choice(["Day", "Night", "Within", "Within", "Within", "", "day"])))
             if self.chance(0.9):
-                parts.append(self.leaf("offset_type", self.rng.choice(["1", "2", "2", "x", "01", ""])))
+                parts.append(self.leaf("offset_type", self.rng.choice(["1", "2", "2", "x", "01", "", " "])))
             if self.chance(0.9):
-                parts.append(self.leaf("offset", self.rng.choice(["Before", "After", "before", ""])))
+                parts.append(self.leaf("offset", self.rng.choice(["Before", "After", "before", "", " "])))
             parts.append(self.leaf("offset_minutes", self.integer(30, 300, 600, 720, -60, 0, 1440)))
         return parts
 

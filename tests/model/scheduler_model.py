@@ -103,7 +103,7 @@ class Host:
 # Reading keys -----------------------------------------------------------------------------------------
 
 def _is_integer(value) -> bool:
-    return isinstance(value, int) and not isinstance(value, bool)
+    return isinstance(value, int) and not isinstance(value, bool) and -2**63 <= value < 2**63
 
 
 def _is_text(value) -> bool:
@@ -264,7 +264,9 @@ class Player:
     def _do_compare(self, action):
         function, types = _take(conditions.COMPARISONS, _text(action, "call"), lambda value: value is not None,
                                 "a comparison function")
-        return {"result": function(self.host.now, *_arguments(action, types))}
+        arguments = [clib.int32(argument) if kind is int else argument
+                     for argument, kind in zip(_arguments(action, types), types)]
+        return {"result": function(self.host.now, *arguments)}
 
     def _do_host(self, action):
         operation = _text(action, "call")

@@ -98,12 +98,10 @@ def _escape(text: str) -> str:
     return text.replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
 
 
-def _attribute(value: str) -> str:
-    return _escape(value).replace('"', "&quot;").replace("\n", "&#10;").replace("\t", "&#9;")
-
-
 def serialise(node: Node) -> str:
-    """`node` as compact text: no declaration, no indentation, `<name/>` where there is no content."""
-    head = node.name + "".join(f' {name}="{_attribute(value)}"' for name, value in node.attributes.items())
+    """`node` as compact text: no declaration, no indentation, `<name/>` where there is no content.
+
+    Attributes are left out: no element that the agent makes has any.
+    """
     content = _escape(node.text) + "".join(serialise(child) for child in node.children)
-    return f"<{head}>{content}</{node.name}>" if content else f"<{head}/>"
+    return f"<{node.name}>{content}</{node.name}>" if content else f"<{node.name}/>"
