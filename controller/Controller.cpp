@@ -104,7 +104,12 @@ void Controller::RestartScheduler() {
   std::optional<std::string> state = scheduler_->PersistText();
   if (state) state = ReadableState(*std::move(state));
   controller::ReloadTimeZone();
-  SetPlace();
+  try {
+    SetPlace();
+  } catch (const Failure& failure) {
+    // The zone is another already, so the scheduler has to start anew, be it at the old place.
+    Log::Warning("the place stays " + PlaceText(place_.place) + ": " + failure.what());
+  }
   DestroyScheduler();
   CreateScheduler(state);
   saver_.Invalidate();

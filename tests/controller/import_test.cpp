@@ -156,8 +156,7 @@ TEST_F(ImportTest, SaysOfEachEventThatIsChangedHow) {
        "changed: start date 2024-13-01 becomes 2025-01-01"},
       {Event("5", "x", Start("0", "0", 2024, 5, 1, 5, 2)),
        "changed: start date 2024-05-01 becomes 2024-05-27, the day that start_period"},
-      {Event("5", "x", "<offset>0</offset>"),
-       "changed: it has no start date; that becomes 19"},
+      {Event("5", "x", "<offset>0</offset>"), "changed: it has no start date; that becomes 19"},
       {Event("5", "x", Start("0", "0", 2024, 3, 6) + "<colour>red</colour>"),
        "changed: the element \"colour\" in \"start\""},
       {Event("5", "x", "", "<frequency>1</frequency><rate>1</rate><daymask>62</daymask>"),
@@ -295,41 +294,6 @@ TEST_F(ImportTest, AFailureLeavesTheProjectAsItWas) {
   EXPECT_EQ(Import(Data(Event("0", "x"))).status, 1);
   EXPECT_EQ(Import("<oops").status, 2);
   EXPECT_EQ(ReadFile(project), before);
-}
-
-TEST_F(ImportTest, ExportsToAFileInOneStep) {
-  ASSERT_EQ(Import(Data(Event("1", "First"))).status, 0);
-  const std::string file = (folder / "out.xml").string();
-  WriteFile(file, "old");
-  EXPECT_EQ(Run({"export", file}).status, 0);
-  EXPECT_EQ(ReadFile(file), Export());
-  for (const auto& entry : fs::directory_iterator(folder.Path())) {
-    EXPECT_THAT(entry.path().filename().string(), testing::AnyOf("out.xml", "house"));
-  }
-  EXPECT_EQ(Run({"export", "/nonexistent/out.xml"}).status, 1);
-  EXPECT_EQ(Run({"export", "/dev/full"}).status, 1);
-  EXPECT_EQ(Run({"export", "/dev/null"}).status, 0);
-}
-
-TEST_F(ImportTest, DoesNotExportOverTheProject) {
-  ASSERT_EQ(Import(Data(Event("1", "First"))).status, 0);
-  fs::create_hard_link(project, folder / "same.db");
-  const std::string before = ReadFile(project);
-  for (const std::string& file : {project, (folder / "same.db").string(), project + ".lock"}) {
-    EXPECT_EQ(Run({"export", file}).status, 2) << file;
-  }
-  EXPECT_EQ(ReadFile(project), before);
-}
-
-TEST_F(ImportTest, ExportNeedsAScheduleToExport) {
-  const auto missing = Run({"export"});
-  EXPECT_EQ(missing.status, 1);
-  EXPECT_THAT(missing.err, HasSubstr("no such file"));
-  fs::create_directory(folder / "house");
-  { const ProjectStore made(project, ProjectStore::Use::kKeep); }
-  const auto fresh = Run({"export"});
-  EXPECT_EQ(fresh.status, 1);
-  EXPECT_THAT(fresh.err, HasSubstr("keeps no schedule yet"));
 }
 
 }  // namespace

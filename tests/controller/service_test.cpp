@@ -15,6 +15,7 @@
 #include "Program.h"
 #include "TempFolder.h"
 #include "controller/ServiceNotify.h"
+#include "controller/Sqlite.h"
 
 namespace {
 
@@ -62,6 +63,28 @@ TEST(ServiceNotify, TellsTheStagesOfAController) {
   program.Signal(SIGTERM);
   EXPECT_THAT(manager.Next(), testing::StartsWith("STOPPING=1"));
   EXPECT_EQ(program.Wait(), 0);
+}
+
+TEST(ServiceNotify, TellsThatSavingFailsAndThatItWorksAgain) {
+  const TempFolder folder;
+  const std::string project = (folder / "project.db").string();
+  NotifySocket manager((folder / "notify").string());
+  Program program({"serve", "--project", project},
+                  {{{"NOTIFY_SOCKET", (folder / "notify").string()}}, "", {}, false});
+  EXPECT_THAT(manager.Next(), HasSubstr("READY=1"));
+  controller::SqliteDatabase other(project, controller::SqliteDatabase::Mode::kExisting, 0);
+  other.Execute("BEGIN EXCLUSIVE");
+  program.Signal(SIGHUP);
+  EXPECT_THAT(manager.Next(), HasSubstr("RELOADING=1"));
+  EXPECT_THAT(manager.Next(), HasSubstr("READY=1"));
+  EXPECT_THAT(manager.Next(), testing::StartsWith("STATUS=the schedule cannot be saved: "));
+  other.Execute("COMMIT");
+  EXPECT_THAT(manager.Next(), testing::StartsWith("STATUS=7 events loaded"));
+  program.Signal(SIGTERM);
+  EXPECT_EQ(program.Wait(), 0);
+  EXPECT_THAT(program.Err(), HasSubstr("the place stays"));
+  EXPECT_THAT(program.Err(), HasSubstr("error   the schedule could not be saved"));
+  EXPECT_THAT(program.Err(), HasSubstr("saving works again"));
 }
 
 TEST(ServiceNotify, ReachesAnAbstractSocketAndKeepsToOneLine) {
