@@ -3,7 +3,8 @@
 
     check_docs.py --build FOLDER
 
-- A link, and a name in backquotes that looks like a path of the repository, leads to something.
+- A link, and a name in backquotes that looks like a path of the repository, leads to something; a
+  `Class::Function` stands so in the sources.
 - A ```sh block runs, line by line as bash reads it, and succeeds. It runs in a folder that looks like
   the repository with a finished build in build/release; FOLDER is that build.
 - A ```text output block is what the ```sh blocks since the one before print to standard output; `...`
@@ -80,6 +81,19 @@ def broken_links(document, prose, repository=REPOSITORY):
         if "/" in name and name.removeprefix("./").split("/")[0] in tops:
             if not (repository / name).exists():
                 yield f"`{name}` is not there"
+
+
+def unknown_functions(prose, sources):
+    for name in re.findall(r"`((?:\w+::)+\w+)`", prose):
+        if not name.startswith("std::") and not re.search(rf"\b{name}\b", sources):
+            yield f"`{name}` is in no source"
+
+
+def sources_of(repository=REPOSITORY):
+    return "\n".join(path.read_text(encoding="utf-8")
+                     for top in ("host", "astro", "framework", "vexalink_agent_scheduler",
+                                 "controller", "examples", "tests")
+                     for path in (repository / top).rglob("*.[ch]*") if path.suffix in (".cpp", ".h"))
 
 
 def matches(shown, got):
@@ -190,7 +204,7 @@ def check_unit(block, house):
 
 def check_document(document, house):
     blocks, prose = blocks_of(document.read_text(encoding="utf-8"))
-    wrong = list(broken_links(document, prose))
+    wrong = [*broken_links(document, prose), *unknown_functions(prose, sources_of())]
     printed, by_hand = "", []
     for block in blocks:
         kind = (block.language, block.mark.split("=")[0])

@@ -27,6 +27,10 @@ class CheckDocs(unittest.TestCase):
         wrong = list(check_docs.broken_links(SELF, "`tests/nothing.h` `tests/docs/` `other/x` `a/b`"))
         self.assertEqual(wrong, ["`tests/nothing.h` is not there"])
 
+    def test_a_function_that_no_source_names_is_found(self):
+        wrong = list(check_docs.unknown_functions("`A::B` `A::C` `std::move`", "void A::B() {}"))
+        self.assertEqual(wrong, ["`A::C` is in no source"])
+
     def test_dots_stand_for_anything_within_a_line(self):
         self.assertTrue(check_docs.matches('into ".../x.db"\n', 'into "/tmp/x.db"\n'))
         self.assertFalse(check_docs.matches("a...b\n", "a\nb\n"))
