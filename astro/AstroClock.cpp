@@ -1,5 +1,6 @@
 #include "astro/AstroClock.h"
 
+#include <array>
 #include <cmath>
 #include <ctime>
 #include <limits>
@@ -25,29 +26,62 @@ struct Place {
   float tanLatitude;
 };
 
-// cos and tan of the latitude, declination in radians; radians, positive before noon.
-float HourAngle(float cosLatitude, float tanLatitude, float declination, SunEvent event) {
+// Radians, positive before noon.
+float HourAngle(const Place& place, float cosDeclination, float tanDeclination, SunEvent event) {
   const float angle =
-      acosf(kCosZenith / (cosLatitude * cosf(declination)) - tanLatitude * tanf(declination));
+      acosf(kCosZenith / (place.cosLatitude * cosDeclination) - place.tanLatitude * tanDeclination);
   return event == SunEvent::kSunrise ? angle : -angle;
+}
+
+// The sun of one day index, the same for every place.
+struct Sun {
+  Sun() = default;
+  explicit Sun(long dayIndex) {
+    const float gamma = kRadiansPerDay * static_cast<float>(dayIndex);
+    float sin1;
+    float cos1;
+    float sin2;
+    float cos2;
+    sincosf(gamma, &sin1, &cos1);
+    sincosf(2.0f * gamma, &sin2, &cos2);
+    const float declination =
+        0.006918f - 0.399912f * cos1 + 0.070257f * sin1 - 0.006758f * cos2 + 0.000907f * sin2;
+    cosDeclination = cosf(declination);
+    tanDeclination = tanf(declination);
+    equationOfTime = 229.18f * (7.5e-5f + 0.001868f * cos1 - 0.032077f * sin1 - 0.014615f * cos2 -
+                                0.040849f * sin2);
+  }
+  float cosDeclination = 0;
+  float tanDeclination = 0;
+  float equationOfTime = 0;  // minutes
+};
+
+// The suns of a year, worked out once: they are what costs.
+class SunTable {
+ public:
+  SunTable() {
+    for (std::size_t i = 0; i < suns_.size(); ++i) suns_[i] = Sun(static_cast<long>(i));
+  }
+  const Sun& At(long dayIndex) const { return suns_[static_cast<std::size_t>(dayIndex)]; }
+  bool Holds(long dayIndex) const {
+    return dayIndex >= 0 && dayIndex < static_cast<long>(suns_.size());
+  }
+
+ private:
+  std::array<Sun, kDaysInAnyYear + 2> suns_;
+};
+
+Sun SunAtDayIndex(long dayIndex) {
+  static const SunTable table;
+  return table.Holds(dayIndex) ? table.At(dayIndex) : Sun(dayIndex);
 }
 
 // One pass: the time, minutes UTC, with the sun where it stands at day index `dayIndex`.
 float TimeAtDayIndex(long dayIndex, const Place& place, SunEvent event) {
-  const float gamma = kRadiansPerDay * static_cast<float>(dayIndex);
-  float sin1;
-  float cos1;
-  float sin2;
-  float cos2;
-  sincosf(gamma, &sin1, &cos1);
-  sincosf(2.0f * gamma, &sin2, &cos2);
-  const float declination =
-      0.006918f - 0.399912f * cos1 + 0.070257f * sin1 - 0.006758f * cos2 + 0.000907f * sin2;
-  const float equationOfTime = 229.18f * (7.5e-5f + 0.001868f * cos1 - 0.032077f * sin1 -
-                                          0.014615f * cos2 - 0.040849f * sin2);
-  const float hourAngle = HourAngle(place.cosLatitude, place.tanLatitude, declination, event);
+  const Sun sun = SunAtDayIndex(dayIndex);
+  const float hourAngle = HourAngle(place, sun.cosDeclination, sun.tanDeclination, event);
   const float hourAngleDegrees = hourAngle * 180.0f / kPi;
-  return (-place.longitude - hourAngleDegrees) * 4.0f + 720.0f - equationOfTime;
+  return (-place.longitude - hourAngleDegrees) * 4.0f + 720.0f - sun.equationOfTime;
 }
 
 // Whole days by which a provisional time lies outside its day, towards zero at every step.
@@ -102,8 +136,7 @@ void AstroClock::FixupLatAndLong(float& latitude, float& longitude) {
 }
 
 float AstroClock::CalcHourAngle(float latitude, float declination, long sunrise) {
-  const Place place(latitude, 0.0f);
-  return HourAngle(place.cosLatitude, place.tanLatitude, declination,
+  return HourAngle(Place(latitude, 0.0f), cosf(declination), tanf(declination),
                    sunrise != 0 ? SunEvent::kSunrise : SunEvent::kSunset);
 }
 

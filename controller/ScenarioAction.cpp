@@ -13,13 +13,6 @@ constexpr std::size_t kMostQuoted = 60;
 
 std::string Quoted(const char* key) { return '"' + std::string(key) + '"'; }
 
-// The value as it stands in the line, shortened.
-std::string Shown(const json& value) {
-  std::string text = value.dump(-1, ' ', true, json::error_handler_t::replace);
-  if (text.size() > kMostQuoted) text = text.substr(0, kMostQuoted) + "...";
-  return text;
-}
-
 // The parser's own words, without its name and number in front.
 std::string ParserMessage(const json::exception& error) {
   const std::string what = error.what();
@@ -29,23 +22,33 @@ std::string ParserMessage(const json::exception& error) {
 
 }  // namespace
 
+std::string ShownValue(const json& value) {
+  // Not dumped: they may be nested to any depth.
+  if (value.is_array()) return "a list of " + std::to_string(value.size());
+  if (value.is_object()) return "an object";
+  std::string text = value.dump(-1, ' ', true, json::error_handler_t::replace);
+  if (text.size() > kMostQuoted) text = text.substr(0, kMostQuoted) + "...";
+  return text;
+}
+
 long long ToInteger(const json& value, const std::string& what) {
   const bool tooLarge = value.is_number_unsigned() &&
                         value.get<std::uint64_t>() >
                             static_cast<std::uint64_t>(std::numeric_limits<long long>::max());
   if (!value.is_number_integer() || tooLarge) {
-    throw ScenarioError(what + " is " + Shown(value) + "; give a whole number");
+    throw ScenarioError(what + " is " + ShownValue(value) + "; give a whole number");
   }
   return value.get<long long>();
 }
 
 double ToNumber(const json& value, const std::string& what) {
-  if (!value.is_number()) throw ScenarioError(what + " is " + Shown(value) + "; give a number");
+  if (!value.is_number())
+    throw ScenarioError(what + " is " + ShownValue(value) + "; give a number");
   return value.get<double>();
 }
 
 const std::string& ToText(const json& value, const std::string& what) {
-  if (!value.is_string()) throw ScenarioError(what + " is " + Shown(value) + "; give a text");
+  if (!value.is_string()) throw ScenarioError(what + " is " + ShownValue(value) + "; give a text");
   return value.get_ref<const std::string&>();
 }
 
@@ -56,7 +59,7 @@ ScenarioAction::ScenarioAction(const std::string& line) {
     throw ScenarioError("not valid JSON: " + ParserMessage(error));
   }
   if (!json_.is_object()) {
-    throw ScenarioError("the line is " + Shown(json_) + "; give an object with \"do\"");
+    throw ScenarioError("the line is " + ShownValue(json_) + "; give an object with \"do\"");
   }
   name_ = Text("do");
 }
@@ -90,7 +93,7 @@ std::time_t ScenarioAction::Time(const char* key) const {
   if (value.is_string()) {
     if (const auto time = ParseLocalTime(value.get_ref<const std::string&>())) return *time;
   }
-  throw ScenarioError(Quoted(key) + " is " + Shown(value) +
+  throw ScenarioError(Quoted(key) + " is " + ShownValue(value) +
                       "; give seconds since the epoch or YYYY-MM-DDTHH:MM:SS");
 }
 
@@ -99,7 +102,7 @@ CommandMessage::Params ScenarioAction::Params(const char* key) const {
   if (!Has(key)) return params;
   const json& object = Value(key);
   if (!object.is_object()) {
-    throw ScenarioError(Quoted(key) + " is " + Shown(object) + "; give an object of texts");
+    throw ScenarioError(Quoted(key) + " is " + ShownValue(object) + "; give an object of texts");
   }
   for (const auto& [name, value] : object.items()) {
     params.emplace(name, ToText(value, Quoted(key) + "." + Quoted(name.c_str())));
@@ -110,7 +113,7 @@ CommandMessage::Params ScenarioAction::Params(const char* key) const {
 const json& ScenarioAction::List(const char* key, std::size_t count) const {
   const json& list = Value(key);
   if (!list.is_array() || list.size() != count) {
-    throw ScenarioError(Quoted(key) + " is " + Shown(list) + "; give a list of " +
+    throw ScenarioError(Quoted(key) + " is " + ShownValue(list) + "; give a list of " +
                         std::to_string(count) + (count == 1 ? " value" : " values"));
   }
   return list;

@@ -48,7 +48,7 @@ int CallRange(const DriverLoader& library, const char* mangled, const ScenarioAc
 bool AnswersWithMessage(const json& value) {
   if (value.is_null()) return false;
   if (value.is_boolean() && value.get<bool>()) return true;
-  throw ScenarioError("\"result\" is " + value.dump() + "; give null (no message) or true");
+  throw ScenarioError("\"result\" is " + ShownValue(value) + "; give null (no message) or true");
 }
 
 PlayHost::Variables ToVariables(const json& list) {

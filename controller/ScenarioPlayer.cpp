@@ -111,9 +111,10 @@ void ScenarioPlayer::Run(const ScenarioAction& action, Done* done) {
     throw ScenarioError("\"step\" is " + std::to_string(step) + "; give 1 second or more");
   }
   unsigned long ticks = 0;
-  // Compared this way round, so that no clock and no step can overflow the sum.
-  for (std::time_t now = Clock::Now(); now <= until && until - now >= step; ++ticks) {
-    now += step;
+  std::time_t now = Clock::Now();
+  // Added with a check: a clock and a step may be any number.
+  for (std::time_t next = 0; !__builtin_add_overflow(now, step, &next) && next <= until; ++ticks) {
+    now = next;
     Clock::Freeze(now);
     agent_->OnTimerExpired(timer_, 0);
   }

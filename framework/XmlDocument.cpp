@@ -116,8 +116,8 @@ struct ParserDeleter {
 };
 using ParserPtr = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ParserDeleter>;
 
-// What is refused before a parser sees it; null where nothing is. Expat would take a NUL or such a mark
-// as a sign of UTF-16.
+// What is refused before a parser sees it; null where nothing is. Expat would take a NUL or such a
+// mark as a sign of UTF-16.
 const char* RefuseUnparsed(std::string_view text) {
   if (text.size() > kMostBytes) return "larger than 256 MiB";
   if (text.find('\0') != std::string_view::npos) return "holds a NUL";

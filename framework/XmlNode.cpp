@@ -6,6 +6,7 @@
 #include <cstring>
 #include <unordered_map>
 
+#include "framework/NodePool.h"
 #include "framework/XmlText.h"
 
 namespace vx {
@@ -53,6 +54,34 @@ long ToLong(std::string_view text) { return std::strtol(std::string(text).c_str(
 unsigned long ToUnsignedLong(std::string_view text) {
   return std::strtoul(std::string(text).c_str(), nullptr, 10);
 }
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define VX_NODES_FROM_HEAP
+#endif
+#endif
+#if defined(__SANITIZE_ADDRESS__)
+#define VX_NODES_FROM_HEAP
+#endif
+
+#if defined(VX_NODES_FROM_HEAP)
+// Each node from the heap, so that the sanitizer sees what is used after its end and what is
+// leaked.
+void* XmlNode::operator new(std::size_t size) { return ::operator new(size); }
+void XmlNode::operator delete(void* node) { ::operator delete(node); }
+#else
+namespace {
+
+NodePool& Nodes() {
+  static NodePool* const pool = new NodePool(sizeof(XmlNode));  // never destroyed, like the names
+  return *pool;
+}
+
+}  // namespace
+
+void* XmlNode::operator new(std::size_t) { return Nodes().Take(); }
+void XmlNode::operator delete(void* node) { Nodes().Return(node); }
+#endif
 
 XmlNode::XmlNode(std::string_view name, std::string_view text)
     : name_(NamePool::Instance().Take(name)), inline_{} {

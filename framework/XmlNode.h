@@ -26,6 +26,8 @@ class XmlNode final : public VxXML::INode {
   using Attributes = std::vector<std::pair<std::string, std::string>>;
 
   XmlNode(std::string_view name, std::string_view text);
+  static void* operator new(std::size_t size);
+  static void operator delete(void* node);
   XmlNode(const XmlNode&) = delete;
   XmlNode& operator=(const XmlNode&) = delete;
 

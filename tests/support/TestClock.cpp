@@ -15,9 +15,12 @@ std::time_t stoppedAt = 0;
 }  // namespace
 
 extern "C" VX_API std::time_t time(std::time_t* out) noexcept {
-  timespec system{};
-  clock_gettime(CLOCK_REALTIME, &system);
-  const std::time_t now = stopped ? stoppedAt : system.tv_sec;
+  std::time_t now = stoppedAt;
+  if (!stopped) {
+    timespec system{};
+    clock_gettime(CLOCK_REALTIME, &system);
+    now = system.tv_sec;
+  }
   if (out != nullptr) *out = now;
   return now;
 }

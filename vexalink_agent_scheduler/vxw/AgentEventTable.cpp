@@ -20,6 +20,7 @@ unsigned long vexalink_agent_scheduler::AddEvent(Event* event, bool assignNewId,
   if (registerButton) RegisterButton(*event);
   if (events.try_emplace(id, event).second) {
     descriptions.emplace(event->description, id);
+    rules.Forget();
     owned.release();
   } else {
     setAside.emplace(id, std::move(owned));
@@ -60,8 +61,8 @@ bool vexalink_agent_scheduler::IsDuplicateEvent(const Event* event) const {
 // Takes the first entry with this id out of today's list: the table's record, or one set aside.
 void vexalink_agent_scheduler::RemoveFirstFromToday(unsigned long id) {
   Event* first = nullptr;
-  const auto consider = [&first](Event* event) {
-    if (!event->today.isListed) return;
+  const auto consider = [this, &first](Event* event) {
+    if (!todaysIndex.IsListed(*event)) return;
     if (first == nullptr || TodaysIndex::IsBefore(*event, *first)) first = event;
   };
   if (const auto entry = events.find(id); entry != events.end()) consider(entry->second);
@@ -78,6 +79,7 @@ void vexalink_agent_scheduler::DeleteEvent(unsigned long id, bool unregisterBind
   Event* const event = entry->second;
   todaysIndex.Remove(*event);  // the entry taken out above may have been that of a record set aside
   descriptions.erase({event->description, id});
+  rules.Forget();
   delete event;
   events.erase(entry);
 }

@@ -1,6 +1,7 @@
 // The listing of what happens over a span of days.
 
 #include "vexalink_agent_scheduler/vxw/OccurrenceListing.h"
+#include "vexalink_agent_scheduler/vxw/ZoneWatch.h"
 #include "vexalink_agent_scheduler/vxw/vexalink_agent_scheduler.h"
 
 namespace {
@@ -22,6 +23,7 @@ void Append(VxXML::INode& list, const ListedOccurrence& occurrence) {
 vx::auto_com<VxXML::INode> vexalink_agent_scheduler::GetEventOccurences(VxTime from,
                                                                         VxTime to) const {
   vx::auto_com<VxXML::INode> list = VxXML::CreateXmlNode("events", "");
+  const local_time::ZoneHold hold;
   OccurrenceListing listing(events, from, to);
   std::vector<ListedOccurrence> occurrences;
   while (listing.Next(&occurrences)) {

@@ -1,7 +1,6 @@
 // Today's schedule: building it, firing from it, and the listing of other days.
 
 #include <cstdlib>
-#include <utility>
 #include <vector>
 
 #include "vexalink_agent_scheduler/vxw/LocalTime.h"
@@ -15,10 +14,8 @@ constexpr unsigned int kLogLevel = 7;
 }  // namespace
 
 void vexalink_agent_scheduler::GetEventsOnDate(VxTime date, std::list<Event*>* out) const {
-  out->clear();
-  for (const auto& [id, event] : events) {
-    if (event->OccursOnDate(date)) out->push_back(event);
-  }
+  const std::vector<Event*>& found = rules.FindOnDate(events, date);
+  out->assign(found.begin(), found.end());
 }
 
 // Works out when the event fires today; false where it is left out.
@@ -42,15 +39,14 @@ void vexalink_agent_scheduler::ScheduleEvent(Event* event, bool schedulePast) {
 }
 
 void vexalink_agent_scheduler::CalculateTodaysEvents(bool skipPast) {
-  todaysIndex.Clear();
-  std::list<Event*> today;
-  GetEventsOnDate(VxTime::GetCurrentTime(), &today);
+  const local_time::ZoneHold hold;
+  const std::vector<Event*>& today = rules.FindOnDate(events, VxTime::GetCurrentTime());
   std::vector<Event*> scheduled;
   scheduled.reserve(today.size());
   for (Event* event : today) {
     if (SetFireTime(*event, !skipPast)) scheduled.push_back(event);
   }
-  todaysIndex.Assign(std::move(scheduled));
+  todaysIndex.Assign(scheduled);
 }
 
 void vexalink_agent_scheduler::OnTimerExpired(unsigned long id, long /*reserved*/) {

@@ -20,7 +20,8 @@ DayGrid::Day MakeDay(VxTime instant) {
   day.instant = instant;
   day.civil = CivilDay::Of(instant);
   if (const local_time::Day* local = local_time::FindDay(instant.Seconds())) {
-    day.midnight = local->begin;
+    // Clocks that are set back leave no time out; of one that comes twice the first is meant.
+    day.hasAllTimes = local->after.offset <= local->before.offset;
   }
   return day;
 }
@@ -32,13 +33,13 @@ DayGrid::Position Clip(long long position, std::size_t size) {
 
 }  // namespace
 
-void DayGrid::Fill(VxTime origin, long long first, long long last, const CivilDay& lastDate) {
+bool DayGrid::Fill(VxTime origin, long long first, long long last, const CivilDay& lastDate) {
   days_.clear();
   months_.clear();
   weekdays_.clear();
   for (long long step = first; step <= last; ++step) {
     const Day day = MakeDay(steps::At(origin, step));
-    if (IsLater(day.civil, lastDate)) return;
+    if (IsLater(day.civil, lastDate)) return false;
     const auto position = static_cast<Position>(days_.size());
     if (months_.empty() || months_.back().civil.Months() != day.civil.Months()) {
       months_.push_back({day.civil, position, position});
@@ -48,6 +49,7 @@ void DayGrid::Fill(VxTime origin, long long first, long long last, const CivilDa
         static_cast<std::uint8_t>(day.civil.IsKnown() ? 1U << (day.civil.weekday - 1) : 0U));
     days_.push_back(day);
   }
+  return true;
 }
 
 DayGrid::Range DayGrid::ActivePositions(const Event& event) const {
@@ -92,20 +94,32 @@ void DayGrid::FindDaily(const Event& event, Range active, std::vector<Position>*
 
 void DayGrid::FindWeekly(const Event& event, Range active, std::vector<Position>* out) const {
   const auto mask = static_cast<std::uint8_t>(event.daymask & 0x7FU);
+  if (event.rate == 1 || event.rate == -1) {
+    AppendWeekdays(mask, active.first, active.second, out);
+    return;
+  }
   const int weekday = event.StartWeekday();
   long long days = steps::Between(event.start, days_[active.first].instant);
   for (Position at = active.first; at < active.second;) {
     const long long week = WeeksSinceStart(days, weekday);
     const long long weekEnd = (week + 1) * 7 - (std::max(weekday, 1) - 1);  // as `days` counts
     const Position end = std::min(active.second, Clip(at + weekEnd - days, days_.size()));
-    if (week % event.rate == 0) {
-      for (Position day = at; day < end; ++day) {
-        if ((weekdays_[day] & mask) != 0) out->push_back(day);
-      }
-    }
+    if (week % event.rate == 0) AppendWeekdays(mask, at, end, out);
     days += end - at;
     at = end;
   }
+}
+
+void DayGrid::AppendWeekdays(std::uint8_t mask, Position begin, Position end,
+                             std::vector<Position>* out) const {
+  std::size_t count = out->size();
+  out->resize(count + (end - begin));
+  // Written whether it counts or not: a mask is not to be guessed by the processor.
+  for (Position day = begin; day < end; ++day) {
+    (*out)[count] = day;
+    count += (weekdays_[day] & mask) != 0 ? 1U : 0U;
+  }
+  out->resize(count);
 }
 
 // Monthly and yearly events: at most one date a month.

@@ -16,15 +16,15 @@ class DayGrid {
   struct Day {
     VxTime instant;
     CivilDay civil;
-    /// Local midnight where the clocks stand still on the whole day and just before it, so that any
-    /// time of it lies so many seconds later; else -1.
-    std::time_t midnight = -1;
+    /// Whether the day is such that each clock time comes out as itself: it is known, and no change
+    /// of the clocks leaves a time out.
+    bool hasAllTimes = false;
   };
   using Position = std::uint32_t;
 
   /// Takes up the days of the steps `first` to `last` from `origin`, but none from the first on
-  /// whose date is past `lastDate`.
-  void Fill(VxTime origin, long long first, long long last, const CivilDay& lastDate);
+  /// whose date is past `lastDate`: false where it stopped there.
+  bool Fill(VxTime origin, long long first, long long last, const CivilDay& lastDate);
 
   const std::vector<Day>& Days() const { return days_; }
 
@@ -49,6 +49,8 @@ class DayGrid {
   void FindWeekly(const Event& event, Range active, std::vector<Position>* out) const;
   void FindByMonth(const Event& event, Range active, std::vector<Position>* out) const;
   void FindOnEpoch(const Event& event, Range active, std::vector<Position>* out) const;
+  void AppendWeekdays(std::uint8_t mask, Position begin, Position end,
+                      std::vector<Position>* out) const;
   void AppendDate(long long civilDays, Range within, std::vector<Position>* out) const;
 
   std::vector<Day> days_;

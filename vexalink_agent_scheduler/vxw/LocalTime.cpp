@@ -21,6 +21,12 @@ long lastOffset = 0;  // of the day that was found last, to guess the civil day 
 
 KeptDay& Slot(long long civil) { return kept[static_cast<std::size_t>(civil) % kKeptDays]; }
 
+// Instants with room to count from; what lies beyond has no local time either.
+bool IsReasonable(std::time_t instant) {
+  constexpr std::time_t kFarthest = std::time_t{1} << 60;
+  return instant > -kFarthest && instant < kFarthest;
+}
+
 long long FloorDivide(long long value, long long divisor) {
   return value / divisor - (value % divisor < 0 ? 1 : 0);
 }
@@ -44,67 +50,107 @@ std::time_t FirstOfTwo(std::time_t instant, const std::tm& fields) {
   return instant - setBack;
 }
 
-// Whether the clocks stand still from three hours before `begin`, which is `offset` east, to the
-// last second of that day.
-bool ClocksStandStill(std::time_t begin, const std::tm& local) {
-  std::tm before;
+Day::Clock ClockOf(const std::tm& local) {
+  return {local.tm_gmtoff, local.tm_isdst, local.tm_zone};
+}
+
+bool SameClock(const Day::Clock& a, const Day::Clock& b) {
+  return a.offset == b.offset && a.isdst == b.isdst;
+}
+
+// The first instant after `begin` and not after `last` at which the clock is not `before` any more;
+// there is one.
+std::time_t FindChange(std::time_t begin, std::time_t last, const Day::Clock& before) {
+  while (last - begin > 1) {
+    const std::time_t middle = begin + (last - begin) / 2;
+    std::tm local;
+    const bool isBefore = Convert(middle, &local) && SameClock(ClockOf(local), before);
+    (isBefore ? begin : last) = middle;
+  }
+  return last;
+}
+
+// Whether both sides of a change have the date of the day, and no time comes twice that is further
+// apart than the first of two is looked for.
+bool KeepsToTheDay(std::time_t change, const Day& day) {
   std::tm last;
-  return Convert(begin - kLongestSetBack, &before) && before.tm_gmtoff == local.tm_gmtoff &&
-         before.tm_isdst == local.tm_isdst && Convert(begin + kSecondsPerDay - 1, &last) &&
-         last.tm_gmtoff == local.tm_gmtoff && last.tm_isdst == local.tm_isdst &&
-         last.tm_mday == local.tm_mday && last.tm_sec == 59;
+  std::tm first;
+  return day.before.offset - day.after.offset <= kLongestSetBack && Convert(change - 1, &last) &&
+         Convert(change, &first) && last.tm_mday == day.day && first.tm_mday == day.day &&
+         SameClock(ClockOf(last), day.before) && SameClock(ClockOf(first), day.after);
 }
 
-// Keeps the day that begins at `begin` and has the fields of `local`, one of its instants.
-const Day* Keep(std::time_t begin, const std::tm& local, unsigned generation) {
-  const long long civil = FloorDivide(begin + local.tm_gmtoff, kSecondsPerDay);
-  KeptDay& slot = Slot(civil);
-  slot.generation = generation;
-  Day& day = slot.day;
+// Keeps the day that begins at `begin` with the clock `before`, if it is one that can be kept.
+const Day* Keep(std::time_t begin, const Day::Clock& before, unsigned generation) {
+  Day day;
   day.begin = begin;
-  day.end = begin + kSecondsPerDay;
-  day.civil = civil;
-  day.year = static_cast<int>(std::int64_t{local.tm_year} + 1900);
-  day.month = local.tm_mon + 1;
-  day.day = local.tm_mday;
-  day.weekday = local.tm_wday;
-  day.yday = local.tm_yday;
-  day.isdst = local.tm_isdst;
-  day.offset = local.tm_gmtoff;
-  day.zone = local.tm_zone;
-  lastOffset = day.offset;
-  return &day;
-}
-
-// The day of `instant`, whose fields are `local`; null where the clocks change on it.
-const Day* KeepDayOf(std::time_t instant, const std::tm& local, unsigned generation) {
-  const std::time_t begin = instant - (local.tm_hour * 3600L + local.tm_min * 60L + local.tm_sec);
-  return ClocksStandStill(begin, local) ? Keep(begin, local, generation) : nullptr;
+  day.before = before;
+  day.civil = FloorDivide(begin + before.offset, kSecondsPerDay);
+  if (day.civil * kSecondsPerDay != begin + before.offset) return nullptr;
+  std::tm last;
+  if (!Convert(begin + kSecondsPerDay - 1, &last)) return nullptr;
+  day.after = ClockOf(last);
+  day.end = (day.civil + 1) * kSecondsPerDay - day.after.offset;
+  day.change = day.end;
+  if (!SameClock(day.before, day.after) && !Convert(day.end - 1, &last)) return nullptr;
+  if (last.tm_hour != 23 || last.tm_min != 59 || last.tm_sec != 59 ||
+      !SameClock(ClockOf(last), day.after)) {
+    return nullptr;
+  }
+  day.year = static_cast<int>(std::int64_t{last.tm_year} + 1900);
+  day.month = last.tm_mon + 1;
+  day.day = last.tm_mday;
+  day.weekday = last.tm_wday;
+  day.yday = last.tm_yday;
+  if (!SameClock(day.before, day.after)) {
+    day.change = FindChange(begin, day.end - 1, day.before);
+    if (!KeepsToTheDay(day.change, day)) return nullptr;
+  }
+  KeptDay& slot = Slot(day.civil);
+  slot = {generation, day};
+  lastOffset = day.after.offset;
+  return &slot.day;
 }
 
 const Day* FindKept(std::time_t instant, unsigned generation) {
+  if (!IsReasonable(instant)) return nullptr;
   const KeptDay& slot = Slot(FloorDivide(instant + lastOffset, kSecondsPerDay));
   const bool found =
       slot.generation == generation && instant >= slot.day.begin && instant < slot.day.end;
   return found ? &slot.day : nullptr;
 }
 
-// The day of `instant` from the kept day before it: one look at its last second tells whether the
-// clocks stand still.
+// The day of `instant` from the kept day before it.
 const Day* KeepDayAfterKept(std::time_t instant, unsigned generation) {
+  if (!IsReasonable(instant)) return nullptr;
   const Day* before = FindKept(instant - kSecondsPerDay, generation);
-  if (before == nullptr) return nullptr;
-  const std::time_t begin = before->end;
-  std::tm last;
-  if (!Convert(begin + kSecondsPerDay - 1, &last) || last.tm_gmtoff != before->offset ||
-      last.tm_isdst != before->isdst || last.tm_hour != 23 || last.tm_sec != 59) {
+  if (before == nullptr || before->HasChange()) return nullptr;
+  const Day* day = Keep(before->end, before->after, generation);
+  // A day of 23 hours may end before the instant.
+  return day != nullptr && instant < day->end ? day : nullptr;
+}
+
+// The day of `instant`, whose fields are `local`.
+const Day* KeepDayOf(std::time_t instant, const std::tm& local, unsigned generation) {
+  // By the clock of `instant`; on a day with a change, that may be the one after it.
+  std::time_t begin = instant - (local.tm_hour * 3600L + local.tm_min * 60L + local.tm_sec);
+  std::tm first;
+  if (!Convert(begin, &first)) return nullptr;
+  if (first.tm_gmtoff != local.tm_gmtoff) {
+    begin += local.tm_gmtoff - first.tm_gmtoff;
+    if (!Convert(begin, &first)) return nullptr;
+  }
+  std::tm earlier;
+  if (!Convert(begin - kLongestSetBack, &earlier) || !SameClock(ClockOf(earlier), ClockOf(first))) {
     return nullptr;
   }
-  return Keep(begin, last, generation);
+  const Day* day = Keep(begin, ClockOf(first), generation);
+  return day != nullptr && instant >= day->begin && instant < day->end ? day : nullptr;
 }
 
 void FillFields(const Day& day, std::time_t instant, std::tm* out) {
-  const int second = static_cast<int>(instant - day.begin);
+  const Day::Clock& clock = day.ClockAt(instant);
+  const int second = static_cast<int>(instant + clock.offset - day.civil * kSecondsPerDay);
   *out = {};
   out->tm_sec = second % 60;
   out->tm_min = second / 60 % 60;
@@ -114,9 +160,9 @@ void FillFields(const Day& day, std::time_t instant, std::tm* out) {
   out->tm_year = static_cast<int>(std::int64_t{day.year} - 1900);
   out->tm_wday = day.weekday;
   out->tm_yday = day.yday;
-  out->tm_isdst = day.isdst;
-  out->tm_gmtoff = day.offset;
-  out->tm_zone = day.zone;
+  out->tm_isdst = clock.isdst;
+  out->tm_gmtoff = clock.offset;
+  out->tm_zone = clock.zone;
 }
 
 // The C library's own way.
@@ -133,12 +179,20 @@ constexpr std::array<int, 13> kDaysBefore = {0,   31,  59,  90,  120, 151, 181,
 
 }  // namespace
 
+std::time_t Day::At(long secondOfDay) const {
+  const std::time_t first = civil * kSecondsPerDay + secondOfDay - before.offset;
+  if (first < change) return first;
+  const std::time_t second = civil * kSecondsPerDay + secondOfDay - after.offset;
+  return second >= change ? second : -1;
+}
+
 const Day* FindDay(std::time_t instant) {
   const unsigned generation = ZoneGeneration();
   if (const Day* day = FindKept(instant, generation)) return day;
   if (const Day* day = KeepDayAfterKept(instant, generation)) return day;
   std::tm local;
-  return Convert(instant, &local) ? KeepDayOf(instant, local, generation) : nullptr;
+  if (!IsReasonable(instant) || !Convert(instant, &local)) return nullptr;
+  return KeepDayOf(instant, local, generation);
 }
 
 bool Fields(std::time_t instant, std::tm* out) {
@@ -163,8 +217,9 @@ std::time_t Instant(int year, int month, int day, int hour, int minute, int seco
   const unsigned generation = ZoneGeneration();
   const KeptDay& slot = Slot(civil);
   if (slot.generation == generation && slot.day.civil == civil &&
-      (isdst < 0 || isdst == slot.day.isdst)) {
-    return slot.day.begin + (time - days * kSecondsPerDay);
+      (isdst < 0 || (isdst == slot.day.before.isdst && !slot.day.HasChange()))) {
+    const std::time_t instant = slot.day.At(time - days * kSecondsPerDay);
+    if (instant != -1) return instant;
   }
   std::tm fields{};
   fields.tm_year = static_cast<int>(std::int64_t{year} - 1900);
@@ -205,7 +260,7 @@ const char* PresentZoneName() {
 
 int PresentDaylightFlag() {
   const std::time_t now = std::time(nullptr);
-  if (const Day* day = FindDay(now)) return day->isdst == 1 ? 1 : 0;
+  if (const Day* day = FindDay(now)) return day->ClockAt(now).isdst == 1 ? 1 : 0;
   std::tm local;
   return Convert(now, &local) && local.tm_isdst == 1 ? 1 : 0;
 }

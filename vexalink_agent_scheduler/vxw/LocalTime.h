@@ -8,26 +8,41 @@ namespace local_time {
 /// Seconds that a step from day to day takes in the recurrence rules, clock change or not.
 constexpr std::time_t kSecondsPerDay = 86400;
 
-/// A civil day of the local calendar on which the clocks do not change, nor in the three hours
-/// before: each of its seconds has one instant, and they follow each other without a gap. So
-/// whatever lies on it can be worked out without the C library.
+/// A civil day of the local calendar, with at most one change of the clocks, which keeps to the
+/// day: whatever lies on it can be worked out without the C library. Before `begin` the clocks have
+/// stood still for three hours.
 struct Day {
   std::time_t begin = 0;  ///< local midnight
-  std::time_t end = 0;    ///< the next one
-  long long civil = 0;    ///< days since 1970-01-01
-  int year = 0;           ///< full year
-  int month = 0;          ///< 1..12
-  int day = 0;            ///< 1..31
-  int weekday = 0;        ///< 0 = Sunday .. 6 = Saturday
-  int yday = 0;           ///< 0 = 1 January
-  int isdst = 0;
-  long offset = 0;  ///< seconds east of UTC
-  const char* zone = nullptr;
+  std::time_t change =
+      0;  ///< the first instant after a change of the clocks; `end` where there is none
+  std::time_t end = 0;  ///< the next local midnight
+  long long civil = 0;  ///< days since 1970-01-01
+  int year = 0;         ///< full year
+  int month = 0;        ///< 1..12
+  int day = 0;          ///< 1..31
+  int weekday = 0;      ///< 0 = Sunday .. 6 = Saturday
+  int yday = 0;         ///< 0 = 1 January
+
+  /// What holds before the change, and after it.
+  struct Clock {
+    long offset = 0;  ///< seconds east of UTC
+    int isdst = 0;
+    const char* zone = nullptr;
+  };
+  Clock before;
+  Clock after;
+
+  bool HasChange() const { return change != end; }
+  const Clock& ClockAt(std::time_t instant) const { return instant < change ? before : after; }
+  /// The instant of a time of day, 0 to 86399 seconds, the first of two; -1 where the change leaves
+  /// that time out.
+  std::time_t At(long secondOfDay) const;
 };
 
-/// The day of an instant; null where the clocks change on it (or just before), and where the C
-/// library cannot convert it. Days are kept while the zone stays what it is (see ZoneWatch.h): what
-/// is answered is what `localtime` would answer. Good until the next call of this namespace.
+/// The day of an instant; null where the clocks change about midnight or in a way that is not kept,
+/// and where the C library cannot convert it. Days are kept while the zone stays what it is (see
+/// ZoneWatch.h): what is answered is what `localtime` would answer. Good until the next call of
+/// this namespace.
 const Day* FindDay(std::time_t instant);
 
 /// The local fields of an instant. False, and `out` untouched, where the C library cannot convert

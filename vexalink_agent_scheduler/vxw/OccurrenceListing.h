@@ -35,6 +35,13 @@ class OccurrenceListing {
   bool Next(std::vector<ListedOccurrence>* out);
 
  private:
+  // An event, and what every entry of it has in common.
+  struct Source {
+    const Event* event;
+    signed char hour;  // of a clock time within the day; kAskEachDay where it is to be worked out
+    signed char minute;
+    bool repeatsByZero;
+  };
   // The first step at which a source may have something, and its index.
   using Due = std::pair<long long, std::uint32_t>;
   // A source that is to be asked on a day of the grid.
@@ -42,22 +49,25 @@ class OccurrenceListing {
     DayGrid::Position day;
     std::uint32_t source;
   };
+  static constexpr signed char kAskEachDay = -2;
 
+  static Source MakeSource(const Event& event);
   void Enter(std::uint32_t source, long long fromStep);
   void CollectDue(long long end);
-  void SortByDay();
-  void AskDay(const DayGrid::Day& day, const Asked* begin, const Asked* end,
-              std::vector<ListedOccurrence>* out) const;
+  void CountDays();
+  void Place(std::vector<ListedOccurrence>* out);
+  void AskInOrder(std::vector<ListedOccurrence>* out) const;
 
   VxTime from_;
   CivilDay lastDate_;
   long long lastStep_;
-  long long mostDays_;    // that are taken up at once
-  long long daysAtOnce_;  // fewer where little is found, so that empty years cost nothing
-  std::vector<const Event*> sources_;  // by id
+  long long mostDays_;           // that are taken up at once
+  long long daysAtOnce_;         // fewer where little is found, so that empty years cost nothing
+  std::vector<Source> sources_;  // by id
   std::priority_queue<Due, std::vector<Due>, std::greater<>> due_;
   DayGrid grid_;
-  std::vector<Asked> asked_;   // by source
-  std::vector<Asked> sorted_;  // by day, then by source
-  std::vector<std::uint32_t> dayEnds_;
+  std::vector<Asked> asked_;            // by source; who happens
+  std::vector<Asked> askedZero_;        // by source; who only leaves an assertion record
+  std::vector<std::uint32_t> dayEnds_;  // of each day's entries
+  bool hasUntimed_ = false;             // an entry whose time is still to be worked out
 };

@@ -9,6 +9,7 @@
 #include "vexalink_agent_scheduler/vxw/ScheduledEvent.h"
 #include "vexalink_agent_scheduler/vxw/Steps.h"
 #include "vexalink_agent_scheduler/vxw/WeekCount.h"
+#include "vexalink_agent_scheduler/vxw/ZoneWatch.h"
 
 namespace {
 
@@ -129,6 +130,7 @@ std::optional<long long> Event::FindOccurrence(VxTime origin, long long first,
 }
 
 std::pair<VxTime, bool> Event::GetNextOccurance() const {
+  const local_time::ZoneHold hold;
   const std::pair<VxTime, bool> none{VxTime(), false};
   const VxTime now = VxTime::GetCurrentTime();
   if (frequency == Scheduler::kOnce) {

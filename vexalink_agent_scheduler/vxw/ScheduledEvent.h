@@ -112,8 +112,8 @@ class Event {
 
   /// Where the event stands in today's list; kept by TodaysIndex.
   struct TodaysEntry {
-    bool isListed = false;
-    unsigned long order = 0;  ///< rises with every insertion
+    unsigned long listing = 0;  ///< the list that it was entered in; 0: none
+    unsigned long order = 0;    ///< rises with every insertion
     std::list<Event*>::iterator entry;
   };
 

@@ -75,34 +75,33 @@ std::optional<VxTime> Calculate(Kind kind, const VxTime& date, double latitude, 
   return ToLocalInstant(minutes, date, isdst);
 }
 
-// The sun of one day at one site is the same for every event. What is kept is found by the civil
-// day and holds for one site, one daylight-saving flag of the present moment and one time zone.
+// What was worked out for one date at one site in one present moment, on which the daylight-saving
+// flag depends; it holds while the time zone stays what it is. All events that are asked about a
+// day share it.
 struct Kept {
-  unsigned generation = 0;  // 0: nothing is kept here
-  int isdst = 0;
-  long long civil = 0;
+  unsigned generation = 0;  // of the zone; 0: nothing is kept here
+  VxTime date;
+  VxTime now;
   double latitude = 0;
   double longitude = 0;
   std::optional<VxTime> instant;
 };
 
-constexpr std::size_t kKeptDays = 512;  // a power of two
+constexpr std::size_t kKeptDays = 64;  // a power of two
 std::array<Kept, kKeptDays * 2> kept;
 
 }  // namespace
 
 std::optional<VxTime> Instant(Kind kind, const VxTime& date, double latitude, double longitude) {
-  const int isdst = local_time::PresentDaylightFlag();
-  const local_time::Day* day = local_time::FindDay(date.Seconds());
-  if (day == nullptr) return Calculate(kind, date, latitude, longitude, isdst);
-  const long long civil = day->civil;
   const unsigned generation = local_time::ZoneGeneration();
-  Kept& entry =
-      kept[static_cast<std::size_t>(civil) % kKeptDays * 2 + (kind == Kind::kSunset ? 1 : 0)];
-  if (entry.generation != generation || entry.civil != civil || entry.isdst != isdst ||
+  const VxTime now = VxTime::GetCurrentTime();
+  const auto day = static_cast<std::size_t>(date.Seconds() / local_time::kSecondsPerDay);
+  Kept& entry = kept[day % kKeptDays * 2 + (kind == Kind::kSunset ? 1 : 0)];
+  if (entry.generation != generation || entry.date != date || entry.now != now ||
       entry.latitude != latitude || entry.longitude != longitude) {
-    const auto instant = Calculate(kind, date, latitude, longitude, isdst);
-    entry = {local_time::ZoneGeneration(), isdst, civil, latitude, longitude, instant};
+    const auto instant =
+        Calculate(kind, date, latitude, longitude, local_time::PresentDaylightFlag());
+    entry = {local_time::ZoneGeneration(), date, now, latitude, longitude, instant};
   }
   return entry.instant;
 }

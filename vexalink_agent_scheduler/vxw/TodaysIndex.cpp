@@ -3,14 +3,17 @@
 #include <algorithm>
 #include <iterator>
 #include <tuple>
+#include <utility>
 
 void TodaysIndex::Clear() {
-  for (Event* event : list_) event->today.isListed = false;
+  ++listing_;
   list_.clear();
   firstOfTime_.clear();
 }
 
-void TodaysIndex::Enter(Event& event, Entry entry) { event.today = {true, ++insertions_, entry}; }
+void TodaysIndex::Enter(Event& event, Entry entry) {
+  event.today = {listing_, ++insertions_, entry};
+}
 
 void TodaysIndex::Insert(Event& event) {
   Remove(event);
@@ -21,19 +24,27 @@ void TodaysIndex::Insert(Event& event) {
   Enter(event, entry);
 }
 
-void TodaysIndex::Assign(std::vector<Event*> events) {
-  Clear();
-  std::stable_sort(events.begin(), events.end(),
-                   [](const Event* a, const Event* b) { return a->next_fire < b->next_fire; });
-  for (Event* event : events) {
-    const Entry entry = list_.insert(list_.end(), event);
-    firstOfTime_.try_emplace(firstOfTime_.end(), event->next_fire, entry);
-    Enter(*event, entry);
+void TodaysIndex::Assign(const std::vector<Event*>& events) {
+  std::vector<std::pair<VxTime, Event*>> sorted;
+  sorted.reserve(events.size());
+  for (Event* event : events) sorted.emplace_back(event->next_fire, event);
+  std::stable_sort(sorted.begin(), sorted.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  ++listing_;
+  firstOfTime_.clear();
+  list_.resize(sorted.size());  // the entries there are serve again
+  auto entry = list_.begin();
+  for (const auto& [time, event] : sorted) {
+    *entry = event;
+    if (firstOfTime_.empty() || firstOfTime_.rbegin()->first != time) {
+      firstOfTime_.emplace_hint(firstOfTime_.end(), time, entry);
+    }
+    Enter(*event, entry++);
   }
 }
 
 void TodaysIndex::Remove(Event& event) {
-  if (!event.today.isListed) return;
+  if (!IsListed(event)) return;
   const Entry entry = event.today.entry;
   const auto first = firstOfTime_.find(event.next_fire);
   if (first != firstOfTime_.end() && first->second == entry) {
@@ -45,7 +56,7 @@ void TodaysIndex::Remove(Event& event) {
     }
   }
   list_.erase(entry);
-  event.today.isListed = false;
+  event.today.listing = 0;
 }
 
 bool TodaysIndex::IsBefore(const Event& a, const Event& b) {

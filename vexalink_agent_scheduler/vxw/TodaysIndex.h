@@ -23,9 +23,10 @@ class TodaysIndex {
   /// Inserts an event behind those of its time; one that is in the list is moved.
   void Insert(Event& event);
   /// Replaces the list by `events`, as if they had been inserted one after the other.
-  void Assign(std::vector<Event*> events);
+  void Assign(const std::vector<Event*>& events);
   /// Takes an event out; one that is not in the list is left alone.
   void Remove(Event& event);
+  bool IsListed(const Event& event) const { return event.today.listing == listing_; }
   /// Whether `a` stands before `b`; both are in the list.
   static bool IsBefore(const Event& a, const Event& b);
 
@@ -37,4 +38,5 @@ class TodaysIndex {
   std::list<Event*>& list_;
   std::map<VxTime, Entry> firstOfTime_;
   unsigned long insertions_ = 0;
+  unsigned long listing_ = 1;  // changes when the list is emptied, so that no event need be told
 };

@@ -16,7 +16,8 @@ class EnvironmentMark {
   bool Holds() const {
     if (environ == nullptr || environ != environment_) return false;
     if (hasZone_) {
-      return environ[index_] == entry_ && std::strcmp(entry_, text_.c_str()) == 0;
+      // An entry may be changed in place. It does not get shorter than it was as memory.
+      return environ[index_] == entry_ && std::memcmp(entry_, text_.c_str(), text_.size() + 1) == 0;
     }
     return environ[index_] == nullptr && (index_ == 0 || environ[index_ - 1] == entry_);
   }
@@ -40,13 +41,14 @@ class EnvironmentMark {
   bool hasZone_ = false;
   std::size_t index_ = 0;  // of the entry of TZ, else of the end
   char* entry_ = nullptr;  // of TZ, else the last
-  std::string text_;       // of TZ; an entry may be changed in place
+  std::string text_;       // of TZ
 };
 
 EnvironmentMark mark;
 long standardOffset = 0;
 int hasDaylight = 0;
 unsigned generation = 0;
+unsigned holds = 0;
 
 void Renew() {
   tzset();
@@ -59,10 +61,18 @@ void Renew() {
 }  // namespace
 
 unsigned ZoneGeneration() {
+  if (holds != 0) return generation;
   if (!mark.Holds() || timezone != standardOffset || daylight != hasDaylight) Renew();
   return generation;
 }
 
 void ForgetZone() { ++generation; }
+
+ZoneHold::ZoneHold() {
+  ZoneGeneration();
+  ++holds;
+}
+
+ZoneHold::~ZoneHold() { --holds; }
 
 }  // namespace local_time

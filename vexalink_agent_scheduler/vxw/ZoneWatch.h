@@ -14,4 +14,14 @@ unsigned ZoneGeneration();
 /// Makes all that was kept stale.
 void ForgetZone();
 
+/// While one of these lives the zone is taken to stay as it is, which spares work that converts a
+/// great many instants a look at the environment for each. For the length of one operation.
+class ZoneHold {
+ public:
+  ZoneHold();
+  ~ZoneHold();
+  ZoneHold(const ZoneHold&) = delete;
+  ZoneHold& operator=(const ZoneHold&) = delete;
+};
+
 }  // namespace local_time

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "vexalink_agent_scheduler/vxw/AgentAssert.h"
+#include "vexalink_agent_scheduler/vxw/ZoneWatch.h"
 
 namespace {
 
@@ -101,6 +102,7 @@ vx::auto_com<VxXML::INode> vexalink_agent_scheduler::GetPersistState(unsigned lo
 }
 
 vx::auto_com<VxXML::INode> vexalink_agent_scheduler::EventsToXml() const {
+  const local_time::ZoneHold hold;
   vx::auto_com<VxXML::INode> list = VxXML::CreateXmlNode("events", "");
   for (const auto& [id, event] : events) {
     if (event->description != kUnlistedDescription) list->AddChild(*event->toXml());
@@ -111,6 +113,7 @@ vx::auto_com<VxXML::INode> vexalink_agent_scheduler::EventsToXml() const {
 void vexalink_agent_scheduler::ClearAllEvents() {
   todaysIndex.Clear();
   descriptions.clear();
+  rules.Forget();
   for (const auto& [id, event] : events) delete event;
   events.clear();
   setAside.clear();
