@@ -1,5 +1,6 @@
 #include "controller/ScenarioAction.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "controller/LocalTimeText.h"
@@ -10,8 +11,17 @@ namespace {
 using nlohmann::json;
 
 constexpr std::size_t kMostQuoted = 60;
+constexpr int kMostLevelsShown = 3;
 
 std::string Quoted(const char* key) { return '"' + std::string(key) + '"'; }
+
+// Whether a value has at most so many levels; writing one down takes stack in its depth.
+bool IsShallow(const json& value, int levels) {
+  if (!value.is_structured()) return true;
+  return levels > 0 && std::all_of(value.begin(), value.end(), [levels](const json& part) {
+           return IsShallow(part, levels - 1);
+         });
+}
 
 // The parser's own words, without its name and number in front.
 std::string ParserMessage(const json::exception& error) {
@@ -23,9 +33,7 @@ std::string ParserMessage(const json::exception& error) {
 }  // namespace
 
 std::string ShownValue(const json& value) {
-  // Not dumped: they may be nested to any depth.
-  if (value.is_array()) return "a list of " + std::to_string(value.size());
-  if (value.is_object()) return "an object";
+  if (!IsShallow(value, kMostLevelsShown)) return value.is_array() ? "a list" : "an object";
   std::string text = value.dump(-1, ' ', true, json::error_handler_t::replace);
   if (text.size() > kMostQuoted) text = text.substr(0, kMostQuoted) + "...";
   return text;

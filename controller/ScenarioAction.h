@@ -47,7 +47,7 @@ class ScenarioAction {
   std::string name_;
 };
 
-/// A value as an error message shows it: shortened, and lists and objects only named.
+/// A value as an error message shows it: shortened, and deeply nested lists and objects only named.
 std::string ShownValue(const nlohmann::json& value);
 /// An integer of any size that 64 bits hold; `what` names it in the error.
 long long ToInteger(const nlohmann::json& value, const std::string& what);
