@@ -24,14 +24,14 @@ constexpr const char* kZones[] = {
 };
 
 constexpr std::time_t kClocks[] = {
-    1709719230,                               // 2024-03-06 10:00:30 UTC
-    1730613599,                               // a second before the clocks go back in New York
-    1708221600,                               // the hour that comes twice before midnight
-    1709190000,                               // 29 February 2024
-    2147397247,                               // a day before the largest 32-bit time
-    253402300799,                             // the last second of the year 9999
-    -2208988800,                              // 1900
-    std::numeric_limits<std::time_t>::max(),  // no date
+    1709719230,            // 2024-03-06 10:00:30 UTC
+    1730613599,            // a second before the clocks go back in New York
+    1708221600,            // the hour that comes twice before midnight
+    1709190000,            // 29 February 2024
+    2147397247,            // a day before the largest 32-bit time
+    253402300799,          // the last second of the year 9999
+    -2208988800,           // 1900
+    std::time_t{1} << 60,  // no date
 };
 
 struct Site {
