@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "controller/DriverLoader.h"
+#include "controller/Printable.h"
 #include "controller/ScenarioPlayer.h"
 
 namespace controller {
@@ -28,7 +29,8 @@ int PlayLines(const std::string& file, std::istream& in, ScenarioPlayer* player,
       player->Play(line);
     } catch (const ScenarioError& error) {
       out.flush();
-      err << file << ':' << number << ": " << error.what() << std::endl;
+      // It may quote what the scenario holds: one line, and nothing that a terminal obeys.
+      err << file << ':' << number << ": " << Printable(error.what()) << std::endl;
       return kBadScenario;
     }
     if (!out) return kFailed;

@@ -18,7 +18,7 @@ run_packages=(
   ca-certificates cmake g++ libcli11-dev libevent-dev libexpat1-dev libsqlite3-dev ninja-build
   nlohmann-json3-dev pkgconf tzdata)
 test_packages=(binutils libgmock-dev libgtest-dev libical-dev python3)
-bench_packages=(libbenchmark-dev libical-dev libpugixml-dev)
+bench_packages=(libbenchmark-dev libical-dev libpugixml-dev python3)
 fuzz_packages=(clang libclang-rt-dev llvm)
 style_packages=(clang-format clang-tidy)
 

@@ -55,9 +55,8 @@ bool OccurrenceListing::Next(std::vector<ListedOccurrence>* out) {
   CountDays();
   Place(out);
   if (hasUntimed_ || !askedZero_.empty()) AskInOrder(out);
-  const auto found = static_cast<long long>(asked_.size() + askedZero_.size());
-  daysAtOnce_ = found * 8 < daysAtOnce_ ? std::max<long long>(1, daysAtOnce_ / 8)
-                                        : std::min(mostDays_, daysAtOnce_ * 2);
+  const bool hasGap = !due_.empty() && due_.top().first - end >= daysAtOnce_;
+  daysAtOnce_ = hasGap ? 1 : std::min(mostDays_, daysAtOnce_ * 2);
   return true;
 }
 

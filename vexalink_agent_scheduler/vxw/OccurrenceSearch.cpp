@@ -17,44 +17,60 @@ constexpr long long kNoStep = std::numeric_limits<long long>::max();
 // How far a walk in steps of 86400 s may stray from the civil calendar: clock changes, and zones
 // that moved across the date line.
 constexpr long long kStrayDays = 3;
-
+constexpr long long kLastMonth = std::numeric_limits<int>::max() * 12LL;  // of the last year
 // The first multiple of |rate| above `count`.
 long long NextMultiple(long long count, long long rate) {
   const long long every = std::llabs(rate);
   return count - count % every + (count % every < 0 ? 0 : every);
 }
 
-// Days from 1970-01-01 to the first of a month, months counted from January of year 0.
-long long FirstOfMonth(long long months) {
-  const long long year = months / 12 - (months % 12 < 0 ? 1 : 0);
-  return local_time::CivilDays(year, static_cast<int>(months - year * 12) + 1, 1);
+// Where a walk stands: at `step` from `origin`, on the local day `day`; it ends with the step
+// `last`. Local days never go back from step to step; a clock change may show one twice or leave
+// one out.
+struct Place {
+  VxTime origin;
+  long long step;
+  long long last;
+  CivilDay day;
+
+  CivilDay DayAt(long long other) const { return CivilDay::Of(steps::At(origin, other)); }
+
+  // The first step after this one whose local day is `target` or later; kNoStep past the last.
+  long long Reach(long long target) const {
+    long long reached = step + std::max<long long>(1, target - day.days);
+    while (true) {
+      if (reached > last + kStrayDays) return kNoStep;
+      const CivilDay there = DayAt(reached);
+      if (!there.IsKnown()) return step + 1;
+      if (there.days >= target) break;
+      reached += target - there.days;
+    }
+    while (reached > step + 1 && DayAt(reached - 1).days >= target) --reached;
+    return reached;
+  }
+};
+
+// The next step on which an event may happen, kNoStep where there is none; what lies between need
+// not be looked at. The place itself was looked at already.
+
+long long AfterDaily(const Event& event, const Place& place) {
+  const long long days = steps::Between(event.start, steps::At(place.origin, place.step));
+  return place.step + NextMultiple(days, event.rate) - days;
 }
 
-// The next step after `step` on which an event may happen, kNoStep where there is none; what lies
-// between need not be looked at. `days` are those since the start, `day` is the local day of
-// `step`, which itself was looked at already.
-
-long long AfterDaily(const Event& event, long long step, long long days) {
-  return step + NextMultiple(days, event.rate) - days;
-}
-
-long long AfterWeekly(const Event& event, long long step, long long days) {
+long long AfterWeekly(const Event& event, const Place& place) {
   if ((event.daymask & 0x7FU) == 0) return kNoStep;
+  const long long days = steps::Between(event.start, steps::At(place.origin, place.step));
   const int weekday = event.StartWeekday();
   const long long weeks = WeeksSinceStart(days + 1, weekday);
-  if (weeks % event.rate == 0) return step + 1;
+  if (weeks % event.rate == 0) return place.step + 1;
   const long long daysBeforeStart = std::max(weekday, 1) - 1;  // since the Sunday of its week
-  return step + NextMultiple(weeks, event.rate) * 7 - daysBeforeStart - days;
+  return place.step + NextMultiple(weeks, event.rate) * 7 - daysBeforeStart - days;
 }
 
-// The step on which the civil day `target` may come up first, after `step` on `day`.
-long long Towards(long long target, long long step, const CivilDay& day) {
-  return std::max(step + 1, step + target - day.days - kStrayDays);
-}
-
-// The same where nothing comes after the target any more.
-long long TowardsOnly(long long target, long long step, const CivilDay& day) {
-  return day.days > target + kStrayDays ? kNoStep : Towards(target, step, day);
+// Where nothing comes after one day any more.
+long long AfterOnly(long long target, const Place& place) {
+  return place.day.days >= target ? place.step + 1 : place.Reach(target);
 }
 
 // An event by week whose weekday never comes: the search for it yields the epoch, so it can only
@@ -64,51 +80,51 @@ bool NeverMatches(const Event& event) {
          (event.start_weekday < 1 || event.start_weekday > 7);
 }
 
-long long AfterMonthly(const Event& event, long long step, const CivilDay& day) {
-  if (NeverMatches(event)) return TowardsOnly(CivilDay::Of(VxTime()).days, step, day);
-  const CivilDay& first = event.StartDay();
-  const long long months = day.Months() - first.Months();
-  if (months % event.rate == 0) {
-    const long long target =
-        event.start_period == Scheduler::kByDay
-            ? day.days - day.day + first.day
-            : nth_day::FindDay(day.month, event.start_weekday, day.year, event.start_period).days;
-    if (day.days <= target) return Towards(target, step, day);
+// The day on which an event by month falls in a month of a year (which counts months from 0), or
+// nothing where the month has no such day.
+std::optional<long long> DayInMonth(const Event& event, long long months) {
+  const long long year = months / 12 - (months % 12 < 0 ? 1 : 0);
+  const int month = static_cast<int>(months - year * 12) + 1;
+  if (event.start_period != Scheduler::kByDay) {
+    return nth_day::FindDay(month, event.start_weekday, static_cast<int>(year), event.start_period)
+        .days;
   }
-  return Towards(FirstOfMonth(first.Months() + NextMultiple(months, event.rate)), step, day);
+  const bool leapYear = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+  const int day = event.StartDay().day;
+  if (day > local_time::DaysInMonth(month, leapYear)) return std::nullopt;
+  return local_time::CivilDays(year, month, day);
 }
 
-long long AfterYearly(const Event& event, long long step, const CivilDay& day) {
-  if (NeverMatches(event)) return TowardsOnly(CivilDay::Of(VxTime()).days, step, day);
-  const CivilDay& first = event.StartDay();
-  const long long years = static_cast<long long>(day.year) - first.year;
-  if (years % event.rate == 0) {
-    const long long target =
-        event.start_period == Scheduler::kByDay
-            ? local_time::CivilDays(day.year, first.month, first.day)
-            : nth_day::FindDay(first.month, event.start_weekday, day.year, event.start_period).days;
-    if (day.days <= target) return Towards(target, step, day);
+long long AfterByMonth(const Event& event, const Place& place) {
+  if (NeverMatches(event)) return AfterOnly(CivilDay::Of(VxTime()).days, place);
+  const long long monthsOfUnit = event.frequency == Scheduler::kYearly ? 12 : 1;
+  const long long every = std::llabs(event.rate) * monthsOfUnit;
+  const long long first = event.StartDay().Months();
+  const long long past = place.day.Months() - first;
+  // The leap years repeat after 400; what has no day by then never has one.
+  constexpr int kMostTries = 4800;
+  long long months = first + (past % every == 0 ? past : NextMultiple(past, every));
+  for (int tries = 0; tries < kMostTries; ++tries, months += every) {
+    if (months > kLastMonth) return kNoStep;
+    const std::optional<long long> day = DayInMonth(event, months);
+    if (!day) continue;
+    if (*day > place.day.days) return place.Reach(*day);
+    // The day itself may come twice.
+    if (*day == place.day.days) return place.step + 1;
   }
-  const long long year = first.year + NextMultiple(years, event.rate);
-  return Towards(local_time::CivilDays(year, first.month, 1), step, day);
+  return kNoStep;
 }
 
-long long After(const Event& event, const VxTime& date, long long step) {
-  if (event.frequency == Scheduler::kDaily) {
-    return AfterDaily(event, step, steps::Between(event.start, date));
-  }
-  if (event.frequency == Scheduler::kWeekly) {
-    return AfterWeekly(event, step, steps::Between(event.start, date));
-  }
-  const CivilDay day = CivilDay::Of(date);
-  if (!day.IsKnown()) return step + 1;
+long long After(const Event& event, const Place& place) {
+  if (event.frequency == Scheduler::kDaily) return AfterDaily(event, place);
+  if (event.frequency == Scheduler::kWeekly) return AfterWeekly(event, place);
+  if (!place.day.IsKnown()) return place.step + 1;
   switch (event.frequency) {
     case Scheduler::kOnce:
-      return TowardsOnly(event.StartDay().days, step, day);
+      return AfterOnly(event.StartDay().days, place);
     case Scheduler::kMonthly:
-      return AfterMonthly(event, step, day);
     case Scheduler::kYearly:
-      return AfterYearly(event, step, day);
+      return AfterByMonth(event, place);
     default:
       return kNoStep;
   }
@@ -124,7 +140,7 @@ std::optional<long long> Event::FindOccurrence(VxTime origin, long long first,
   while (step <= last) {
     const VxTime date = steps::At(origin, step);
     if (OccursOnDate(date)) return step;
-    step = After(*this, date, step);
+    step = After(*this, {origin, step, last, CivilDay::Of(date)});
   }
   return std::nullopt;
 }
