@@ -31,7 +31,31 @@ std::tm Unnormalised(int year, int month, int day, int hour, int minute, int sec
   return fields;
 }
 
+unsigned long unsettled = 0;
+
+// `made` is what mktime made of `asked` with an isdst of -1, at `instant`.
+bool IsUnsettled(std::tm asked, const std::tm& made, std::time_t instant) {
+  const std::time_t moved = timegm(&asked) - (instant + made.tm_gmtoff);
+  std::tm otherSide;
+  return moved != 0 && Fields(instant + moved, &otherSide) && otherSide.tm_isdst == made.tm_isdst;
+}
+
+// Whether another instant has these fields and this flag.
+bool IsTwice(const std::tm& fields, std::time_t instant) {
+  for (std::time_t other = instant - kThreeHours; other <= instant + kThreeHours; other += 300) {
+    std::tm local;
+    if (!Fields(other, &local) || local.tm_gmtoff == fields.tm_gmtoff) continue;
+    const std::time_t twin = instant + fields.tm_gmtoff - local.tm_gmtoff;
+    if (Fields(twin, &local) && SameFields(local, fields) && local.tm_isdst == fields.tm_isdst) {
+      return true;
+    }
+  }
+  return false;
+}
+
 }  // namespace
+
+unsigned long UnsettledTimes() { return unsettled; }
 
 bool Fields(std::time_t instant, std::tm* out) {
   const std::tm* local = std::localtime(&instant);
@@ -41,10 +65,15 @@ bool Fields(std::time_t instant, std::tm* out) {
 }
 
 std::time_t Instant(int year, int month, int day, int hour, int minute, int second, int isdst) {
-  std::tm fields = Unnormalised(year, month, day, hour, minute, second, isdst);
+  const std::tm asked = Unnormalised(year, month, day, hour, minute, second, isdst);
+  std::tm fields = asked;
   std::time_t instant = 0;
   if (!Make(&fields, &instant)) return -1;
-  if (isdst >= 0) return instant;
+  if (isdst >= 0) {
+    if (IsTwice(fields, instant)) ++unsettled;
+    return instant;
+  }
+  if (IsUnsettled(asked, fields, instant)) ++unsettled;
   // Where the clocks were set back since `earlier`, the same fields came that much earlier.
   constexpr std::time_t kStep = 300;  // no clock is held shorter
   std::time_t first = instant;

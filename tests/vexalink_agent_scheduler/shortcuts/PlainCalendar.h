@@ -13,7 +13,13 @@ bool Fields(std::time_t instant, std::tm* out);
 /// of -1 it is the first with these fields in the three hours before what `mktime` answers.
 std::time_t Instant(int year, int month, int day, int hour, int minute, int second, int isdst);
 
-/// The same with the three hours walked second by second, which takes milliseconds.
+/// How often `Instant` was asked for a time that a change of the clocks left out or brings twice
+/// while the daylight-saving flag stays (the date line was moved, say), the latter with a flag
+/// forced. There `mktime` goes by what it was asked before, to either side: such an answer is not
+/// to be compared.
+unsigned long UnsettledTimes();
+
+/// `Instant` with the three hours walked second by second, which takes milliseconds.
 std::time_t InstantBySeconds(int year, int month, int day, int hour, int minute, int second);
 
 /// A local date and its weekday, all 0 where the instant cannot be converted.

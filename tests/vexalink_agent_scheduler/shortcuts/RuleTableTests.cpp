@@ -3,6 +3,7 @@
 
 #include "tests/support/FakeHost.h"
 #include "tests/support/TestClock.h"
+#include "tests/vexalink_agent_scheduler/shortcuts/PlainCalendar.h"
 #include "tests/vexalink_agent_scheduler/shortcuts/PlainRules.h"
 #include "tests/vexalink_agent_scheduler/shortcuts/RandomInput.h"
 #include "vexalink_agent_scheduler/vxw/OccurrenceListing.h"
@@ -77,9 +78,10 @@ void ExpectSameListing(const OwnedTable& table, std::time_t from, std::time_t to
     records = lines.lines;
   }
   plain::Records plainRecords;
-  EXPECT_EQ(listed, plain::List(table.events, from, to, &plainRecords))
-      << from << " to " << to << "\n"
-      << table.Text();
+  const unsigned long unsettled = plain::UnsettledTimes();
+  const std::vector<plain::Listed> plainListed = plain::List(table.events, from, to, &plainRecords);
+  if (unsettled != plain::UnsettledTimes()) return;
+  EXPECT_EQ(listed, plainListed) << from << " to " << to << "\n" << table.Text();
   EXPECT_EQ(records, plainRecords) << from << " to " << to << "\n" << table.Text();
 }
 
@@ -141,8 +143,11 @@ TEST(SingleEvent, OccursOnTheDaysThatItsRuleNamesAndAtTheirTimes) {
       const AssertLines lines;
       EXPECT_EQ(event.OccursOnDate(VxTime(date)), plain::OccursOnDate(event, date, &records))
           << date << " " << Describe(event);
-      EXPECT_EQ(event.EventTime(VxTime(date)).Seconds(), plain::EventTime(event, date, &records))
-          << date << " " << Describe(event) << " now " << std::time(nullptr);
+      const std::time_t time = event.EventTime(VxTime(date)).Seconds();
+      const unsigned long unsettled = plain::UnsettledTimes();
+      const std::time_t plainTime = plain::EventTime(event, date, &records);
+      if (unsettled != plain::UnsettledTimes()) continue;
+      EXPECT_EQ(time, plainTime) << date << " " << Describe(event) << " now " << std::time(nullptr);
       EXPECT_EQ(lines.lines, records) << date << " " << Describe(event);
     }
   }
@@ -163,7 +168,10 @@ TEST(SingleEvent, OccursNextWhereADayByDaySearchFindsIt) {
       plain::Records records;
       const AssertLines lines;
       const auto [time, found] = event.GetNextOccurance();
-      EXPECT_EQ(std::pair(time.Seconds(), found), plain::NextOccurrence(event, &records))
+      const unsigned long unsettled = plain::UnsettledTimes();
+      const auto next = plain::NextOccurrence(event, &records);
+      if (unsettled != plain::UnsettledTimes()) continue;
+      EXPECT_EQ(std::pair(time.Seconds(), found), next)
           << Describe(event) << " now " << std::time(nullptr);
       EXPECT_EQ(lines.lines, records) << Describe(event) << " now " << std::time(nullptr);
     }
