@@ -129,10 +129,10 @@ void Clamp(float& value, float limit) {
 }  // namespace
 
 void AstroClock::FixupLatAndLong(float& latitude, float& longitude) {
-  constexpr float kLatLimit = 85.0f;
-  constexpr float kLongLimit = 175.0f;
-  Clamp(latitude, kLatLimit);
-  Clamp(longitude, kLongLimit);
+  constexpr float LAT_LIMIT = 85.0f;
+  constexpr float LONG_LIMIT = 175.0f;
+  Clamp(latitude, LAT_LIMIT);
+  Clamp(longitude, LONG_LIMIT);
 }
 
 float AstroClock::CalcHourAngle(float latitude, float declination, long sunrise) {

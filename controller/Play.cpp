@@ -30,7 +30,7 @@ int PlayLines(const std::string& file, std::istream& in, ScenarioPlayer* player,
     } catch (const ScenarioError& error) {
       out.flush();
       // It may quote what the scenario holds: one line, and nothing that a terminal obeys.
-      err << file << ':' << number << ": " << Printable(error.what()) << std::endl;
+      err << Printable(file) << ':' << number << ": " << Printable(error.what()) << std::endl;
       return kBadScenario;
     }
     if (!out) return kFailed;
@@ -49,20 +49,15 @@ int RunPlay(const PlayOptions& options, std::ostream& out, std::ostream& err) {
     return kFailed;
   }
   std::ifstream file;
-  if (options.file != "-") {
-    file.open(options.file);
-    if (!file || file.peek() == std::ifstream::traits_type::eof()) file.get();
-    if (!file.is_open() || file.bad()) {
-      err << "vexalink: cannot read the scenario \"" << options.file << '"' << std::endl;
-      return kBadScenario;
-    }
-    file.clear();
-    file.seekg(0);
-  }
+  if (options.file != "-") file.open(options.file);
+  std::istream& in = options.file == "-" ? std::cin : file;
   ScenarioPlayer player(*library, out);
-  const int status =
-      PlayLines(options.file, options.file == "-" ? std::cin : file, &player, out, err);
+  const int status = PlayLines(options.file, in, &player, out, err);
   out.flush();
+  if (status == 0 && (!in.eof() || in.bad())) {
+    err << "vexalink: cannot read the scenario " << Quoted(options.file) << std::endl;
+    return kBadScenario;
+  }
   if (!out) {
     err << "vexalink: the transcript could not be written" << std::endl;
     return kFailed;

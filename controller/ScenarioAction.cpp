@@ -1,7 +1,8 @@
 #include "controller/ScenarioAction.h"
 
 #include <algorithm>
-#include <limits>
+#include <cmath>
+#include <cstdint>
 
 #include "controller/LocalTimeText.h"
 
@@ -23,6 +24,20 @@ bool IsShallow(const json& value, int levels) {
          });
 }
 
+// A whole number that 64 bits hold; 1.0 and 1e3 are whole too.
+std::optional<long long> AsInteger(const json& value) {
+  constexpr double kBeyond = 9223372036854775808.0;  // 2^63
+  if (value.is_number_unsigned()) {
+    const auto number = value.get<std::uint64_t>();
+    return number >> 63 == 0 ? std::optional(static_cast<long long>(number)) : std::nullopt;
+  }
+  if (value.is_number_integer()) return value.get<long long>();
+  if (!value.is_number_float()) return std::nullopt;
+  const double number = value.get<double>();
+  const bool isWhole = number == std::floor(number) && number >= -kBeyond && number < kBeyond;
+  return isWhole ? std::optional(static_cast<long long>(number)) : std::nullopt;
+}
+
 // The parser's own words, without its name and number in front.
 std::string ParserMessage(const json::exception& error) {
   const std::string what = error.what();
@@ -40,13 +55,13 @@ std::string ShownValue(const json& value) {
 }
 
 long long ToInteger(const json& value, const std::string& what) {
-  const bool tooLarge = value.is_number_unsigned() &&
-                        value.get<std::uint64_t>() >
-                            static_cast<std::uint64_t>(std::numeric_limits<long long>::max());
-  if (!value.is_number_integer() || tooLarge) {
-    throw ScenarioError(what + " is " + ShownValue(value) + "; give a whole number");
-  }
-  return value.get<long long>();
+  if (const auto number = AsInteger(value)) return *number;
+  throw ScenarioError(what + " is " + ShownValue(value) + "; give a whole number");
+}
+
+unsigned long ToId(const json& value, const std::string& what) {
+  if (value.is_number_unsigned()) return value.get<unsigned long>();
+  return static_cast<unsigned long>(ToInteger(value, what));
 }
 
 double ToNumber(const json& value, const std::string& what) {
@@ -61,6 +76,11 @@ const std::string& ToText(const json& value, const std::string& what) {
 }
 
 ScenarioAction::ScenarioAction(const std::string& line) {
+  // The parser would end at the one, and pass over the other.
+  if (line.find('\0') != std::string::npos) throw ScenarioError("not valid JSON: holds a NUL");
+  if (line.starts_with("\xEF\xBB\xBF")) {
+    throw ScenarioError("not valid JSON: begins with a byte-order mark");
+  }
   try {
     json_ = json::parse(line);
   } catch (const json::exception& error) {
@@ -89,15 +109,11 @@ long long ScenarioAction::Integer(const char* key) const {
   return ToInteger(Value(key), Quoted(key));
 }
 
-unsigned long ScenarioAction::Id(const char* key) const {
-  const long long id = Integer(key);
-  if (id < 0) throw ScenarioError(Quoted(key) + " is " + std::to_string(id) + "; give 0 or more");
-  return static_cast<unsigned long>(id);
-}
+unsigned long ScenarioAction::Id(const char* key) const { return ToId(Value(key), Quoted(key)); }
 
 std::time_t ScenarioAction::Time(const char* key) const {
   const json& value = Value(key);
-  if (value.is_number_integer()) return ToInteger(value, Quoted(key));
+  if (const auto seconds = AsInteger(value)) return *seconds;
   if (value.is_string()) {
     if (const auto time = ParseLocalTime(value.get_ref<const std::string&>())) return *time;
   }

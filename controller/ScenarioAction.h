@@ -31,7 +31,7 @@ class ScenarioAction {
   /// Nothing where the key is absent or null.
   std::optional<std::string> OptionalText(const char* key) const;
   long long Integer(const char* key) const;
-  /// An id: an integer of 0 or more.
+  /// An id: an integer, taken as the unsigned number of its 64 bits.
   unsigned long Id(const char* key) const;
   /// Seconds since the epoch: a number, or a local time "YYYY-MM-DDTHH:MM:SS".
   std::time_t Time(const char* key) const;
@@ -51,6 +51,8 @@ class ScenarioAction {
 std::string ShownValue(const nlohmann::json& value);
 /// An integer of any size that 64 bits hold; `what` names it in the error.
 long long ToInteger(const nlohmann::json& value, const std::string& what);
+/// An id: any integer, taken as the unsigned number of its 64 bits.
+unsigned long ToId(const nlohmann::json& value, const std::string& what);
 /// A number.
 double ToNumber(const nlohmann::json& value, const std::string& what);
 /// A text.

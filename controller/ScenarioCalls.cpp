@@ -18,9 +18,7 @@ class Arguments {
 
   const std::string& Text(std::size_t at) const { return ToText(list_[at], Name(at)); }
   unsigned int Unsigned(std::size_t at) const { return static_cast<unsigned int>(Integer(at)); }
-  unsigned long UnsignedLong(std::size_t at) const {
-    return static_cast<unsigned long>(Integer(at));
-  }
+  unsigned long UnsignedLong(std::size_t at) const { return ToId(list_[at], Name(at)); }
   int Int(std::size_t at) const { return static_cast<int>(Integer(at)); }
   double Number(std::size_t at) const { return ToNumber(list_[at], Name(at)); }
 
@@ -61,8 +59,8 @@ PlayHost::Variables ToVariables(const json& list) {
       }
       return entry[name];
     };
-    const auto device = static_cast<unsigned long>(ToInteger(field("device"), "\"device\""));
-    const auto variable = static_cast<unsigned long>(ToInteger(field("variable"), "\"variable\""));
+    const unsigned long device = ToId(field("device"), "\"device\"");
+    const unsigned long variable = ToId(field("variable"), "\"variable\"");
     variables[{device, variable}] = ToText(field("value"), "\"value\"");
   }
   return variables;

@@ -23,8 +23,9 @@ class IAssertSink {
 /// default. Answers the sink before. From the driver's thread only.
 VX_API IAssertSink* SetAssertSink(IAssertSink* sink);
 
-/// One line per recorded call, `function+offset (library)`, innermost first; addresses stand for
-/// what has no name. Slow: it reads the libraries' symbol tables.
+/// One line per recorded call, `function at file:line (library)`, innermost first; what the debug
+/// information does not tell is left out, and an address stands for a function without a name.
+/// Slow: it reads the debug information and the symbol tables.
 VX_API std::string Symbolise(const StackTrace& stack);
 
 }  // namespace vx

@@ -1,6 +1,5 @@
 // Programming conditions: tests of the present local time against the operands in an XML text.
 
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -145,7 +144,7 @@ bool TestClockSpan(const vexalink_agent_scheduler& agent, const INode& root, VxT
 bool TestClockTime(const vexalink_agent_scheduler& agent, const INode& root,
                    const std::string& comparator, VxTime now) {
   const int minutes = root.GetInt("comp_time");
-  // Midnight itself, 0, never holds. Kept: programming written by older controllers rely on it.
+  // Midnight itself, 0, never holds. Kept: programming written by older controllers relies on it.
   if (minutes < 1) return false;
   const VxTime target = agent.CalculateEventTime(Scheduler::kClock, minutes);
   if (comparator == "EQ" || comparator == "NE") {

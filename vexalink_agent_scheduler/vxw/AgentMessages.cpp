@@ -1,8 +1,9 @@
 // Commands and the requests of user interfaces.
 
 #include <cstdlib>
+#include <ctime>
 
-#include "vexalink_agent_scheduler/vxw/LocalTime.h"
+#include "astro/AstroClock.h"
 #include "vexalink_agent_scheduler/vxw/vexalink_agent_scheduler.h"
 
 namespace {
@@ -106,7 +107,7 @@ vx::auto_com<INode> vexalink_agent_scheduler::AnswerSunriseSunset(
   const vx::auto_com<INode> reply = VxXML::CreateXmlNode("sunrise_sunset", "");
   // The zone of the present moment, not of the day asked for: a winter's request for a summer day
   // names the winter zone. Kept: user interfaces show it beside their clock.
-  reply->AddText("timezone", local_time::PresentZoneName());
+  reply->AddText("timezone", tzname[AstroClock::IsDaylightSavings() ? 1 : 0]);
   AddTimeOfDay(*reply, "sunrise", sunrise);
   AddTimeOfDay(*reply, "sunset", sunset);
   return reply;

@@ -1,4 +1,4 @@
-// Today's schedule: building it, firing from it, and the listing of other days.
+// Today's schedule: building it, and firing from it on the tick.
 
 #include <cstdlib>
 #include <vector>

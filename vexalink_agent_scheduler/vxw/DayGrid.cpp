@@ -132,14 +132,18 @@ void DayGrid::FindByMonth(const Event& event, Range active, std::vector<Position
   const bool yearly = event.frequency == Scheduler::kYearly;
   for (const Month& month : months_) {
     if (month.end <= active.first || month.begin >= active.second) continue;
-    if (yearly && month.civil.month != first.month) continue;
+    // Where the clocks leave out the first midnight of a month, its first weekday may come out on
+    // the day before.
+    const bool isMonthBefore = !byDay && month.civil.month % 12 + 1 == first.month;
+    if (yearly && month.civil.month != first.month && !isMonthBefore) continue;
     const long long units = yearly ? static_cast<long long>(month.civil.year) - first.year
                                    : month.civil.Months() - first.Months();
     if (units % event.rate != 0) continue;
-    const long long date = byDay ? month.civil.days - month.civil.day + first.day
-                                 : nth_day::FindDay(month.civil.month, event.start_weekday,
-                                                    month.civil.year, event.start_period)
-                                       .days;
+    const long long date =
+        byDay ? month.civil.days - month.civil.day + first.day
+              : nth_day::FindDay(yearly ? first.month : month.civil.month, event.start_weekday,
+                                 month.civil.year, event.start_period)
+                    .days;
     AppendDate(date, {std::max(month.begin, active.first), std::min(month.end, active.second)},
                out);
   }

@@ -216,7 +216,9 @@ std::time_t Instant(int year, int month, int day, int hour, int minute, int seco
   const long long civil = CivilDays(fullYear, monthOfYear, day) + days;
   const unsigned generation = ZoneGeneration();
   const KeptDay& slot = Slot(civil);
-  if (slot.generation == generation && slot.day.civil == civil &&
+  // In the gap of a change, mktime lets seconds beyond the minute pass in a way of its own.
+  const bool isPlain = second >= 0 && second < 60;
+  if (isPlain && slot.generation == generation && slot.day.civil == civil &&
       (isdst < 0 || (isdst == slot.day.before.isdst && !slot.day.HasChange()))) {
     const std::time_t instant = slot.day.At(time - days * kSecondsPerDay);
     if (instant != -1) return instant;

@@ -18,6 +18,7 @@ constexpr long long kNoStep = std::numeric_limits<long long>::max();
 // that moved across the date line.
 constexpr long long kStrayDays = 3;
 constexpr long long kLastMonth = std::numeric_limits<int>::max() * 12LL;  // of the last year
+
 // The first multiple of |rate| above `count`.
 long long NextMultiple(long long count, long long rate) {
   const long long every = std::llabs(rate);
@@ -70,7 +71,9 @@ long long AfterWeekly(const Event& event, const Place& place) {
 
 // Where nothing comes after one day any more.
 long long AfterOnly(long long target, const Place& place) {
-  return place.day.days >= target ? place.step + 1 : place.Reach(target);
+  if (place.day.days > target) return kNoStep;
+  // The day itself may come twice.
+  return place.day.days == target ? place.step + 1 : place.Reach(target);
 }
 
 // An event by week whose weekday never comes: the search for it yields the epoch, so it can only

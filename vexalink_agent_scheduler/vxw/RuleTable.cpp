@@ -3,6 +3,8 @@
 #include <array>
 #include <bit>
 
+#include "astro/AstroClock.h"
+#include "vexalink_agent_scheduler/vxw/LocalTime.h"
 #include "vexalink_agent_scheduler/vxw/NthDay.h"
 #include "vexalink_agent_scheduler/vxw/Steps.h"
 #include "vexalink_agent_scheduler/vxw/WeekCount.h"
@@ -139,7 +141,15 @@ void RuleTable::MarkWeekly(VxTime date, const CivilDay& day) {
 void RuleTable::MarkByMonth(VxTime date, const CivilDay& day) {
   if (!day.IsKnown()) return;
   NthWeekdays nth(day);
+  // Where the clocks leave out the first midnight of a month, its first weekday may come out on the
+  // day before.
+  const bool isLastOfMonth =
+      day.day == local_time::DaysInMonth(day.month, AstroClock::IsLeapYear(day.year));
   for (const ByMonth& rule : byMonth_) {
+    if (isLastOfMonth && rule.day == 0 && rule.month == day.month % 12 + 1) {
+      if (events_[rule.number]->OccursOnDate(date)) Mark(rule.number);
+      continue;
+    }
     if (rule.day != 0 ? rule.day != day.day : !nth.Is(rule.weekday, rule.period)) continue;
     if (!rule.IsActive(date) || (rule.month != 0 && rule.month != day.month)) continue;
     const long long units = (rule.month != 0 ? day.year : day.Months()) - rule.units;

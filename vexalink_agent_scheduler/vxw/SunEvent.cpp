@@ -28,7 +28,7 @@ float Narrow(double degrees) { return static_cast<float>(std::clamp(degrees, -1e
 // 1 on 1 January; 0 where the date cannot be converted.
 int DayOfYear(const VxTime& date) {
   const int year = date.GetYear();
-  const bool leapYear = year == 0 || AstroClock::IsLeapYear(year);
+  const bool leapYear = AstroClock::IsLeapYear(year);
   return local_time::DaysBeforeMonth(date.GetMonth(), leapYear) + date.GetDay();
 }
 
