@@ -73,8 +73,10 @@ TEST_F(Occurrences, AreDayByDayInTheOrderOfIds) {
 
 TEST_F(Occurrences, SkipDaysOnWhichNothingHappens) {
   agent->AddEveryXDaysEvent("every fifth", 5, 720);
-  EXPECT_EQ(List("2024-03-01", "2024-03-20"), (Lines{"1@2024-3-12 12:0", "1@2024-3-17 12:0"}))
-      << "it begins at 7:00 of the 6th, so at midnight of the 11th five days are not yet full";
+  EXPECT_EQ(List("2024-03-01", "2024-03-20"),
+            (Lines{"1@2024-3-7 12:0", "1@2024-3-12 12:0", "1@2024-3-17 12:0"}))
+      << "it begins at 7:00 of the 6th, and its steps are counted to each midnight: that of the "
+         "6th comes before it, that of the 7th in its first step, that of the 12th in its sixth";
 }
 
 TEST_F(Occurrences, TellTheDayTheyBelongToAndTheTimeTheyFire) {
