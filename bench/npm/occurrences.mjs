@@ -51,11 +51,12 @@ function measure(name, sets, between) {
 
 const rules = Array.from({ length: kRules }, rule);
 const year = [new Date(Date.UTC(2024, 0, 1)), new Date(Date.UTC(2024, 11, 31, 23, 59, 59))];
+// In UTC: with a zone it converts every date through Intl, which costs hundreds of microseconds.
 measure(
-  'rrule',
+  'rrule, in UTC',
   rules.map(({ start, text }) => {
     const stamp = start.toISOString().replace(/[-:]/g, '').slice(0, 15);
-    return rrulestr(`DTSTART;TZID=${kZone}:${stamp}\nRRULE:${text}`, { cache: false });
+    return rrulestr(`DTSTART:${stamp}Z\nRRULE:${text}`, { cache: false });
   }),
   (set) => set.between(year[0], year[1], true),
 );
