@@ -27,7 +27,7 @@ class EveryZone : public testing::TestWithParam<const char*> {
 INSTANTIATE_TEST_SUITE_P(Zones, EveryZone,
                          testing::Values(zones::kUtc, zones::kNewYork, zones::kLordHowe,
                                          zones::kTroll, zones::kThreeHours, zones::kMidnight,
-                                         zones::kKolkata, zones::kStJohns),
+                                         zones::kFirstMidnight, zones::kKolkata, zones::kStJohns),
                          [](const auto& zone) { return "Zone" + std::to_string(zone.index); });
 
 TEST_P(EveryZone, OccursOnDateIsThePlainReading) {
