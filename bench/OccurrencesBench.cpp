@@ -175,4 +175,25 @@ void BM_OccurrencesToYear9999(benchmark::State& state) {
 }
 BENCHMARK(BM_OccurrencesToYear9999)->Arg(1)->Arg(1000000)->Unit(benchmark::kMicrosecond);
 
+// The same for the fourth Wednesday of every month.
+void BM_NthOccurrencesToYear9999(benchmark::State& state) {
+  const ZoneScope zone(kBenchZone);
+  Event event(1, "Fourth Wednesday", 40.7, -74.0);
+  event.start = VxTime(2024, 1, 24, 0, 0, 0, -1);
+  event.end_date = VxTime(9999, 12, 31, 23, 59, 59, -1);
+  event.frequency = Scheduler::kMonthly;
+  event.rate = 1;
+  event.start_weekday = 4;
+  event.start_period = Scheduler::kFourth;
+  const std::map<unsigned long, Event*> table{{1, &event}};
+  std::vector<ListedOccurrence> few;
+  std::size_t total = 0;
+  for (auto _ : state) {
+    OccurrenceListing listing(table, From(), VxTime(9999, 12, 31, 0, 0, 0, -1));
+    while (listing.Next(&few)) total += few.size();
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(total));
+}
+BENCHMARK(BM_NthOccurrencesToYear9999)->Unit(benchmark::kMillisecond);
+
 }  // namespace

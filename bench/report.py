@@ -23,6 +23,8 @@ ROWS = [
     ("one leap-day rule up to year 9999", "BM_OccurrencesToYear9999/1", None, None, None, None),
     ("one rule of every million years up to year 9999", "BM_OccurrencesToYear9999/1000000", None,
      None, None, None),
+    ("the fourth Wednesday of every month up to year 9999, each",
+     "BM_NthOccurrencesToYear9999", None, None, None, "items"),
     ("which of 10,000 rules happen today, each", "BM_EventsOnDate/10000",
      "BM_EventsOnDate_plain/10000", "two localtime", None, "items"),
     ("which of 100,000 rules happen today, each", "BM_EventsOnDate/100000", None, None, None,
