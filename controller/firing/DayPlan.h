@@ -1,0 +1,35 @@
+#pragma once
+
+#include <ctime>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "controller/EventElement.h"
+
+namespace controller {
+
+/// What became of an occurrence.
+enum class OccurrenceState { kPending, kFired, kHeld, kMissed };
+/// "pending", "fired", "held", "missed"
+const char* StateName(OccurrenceState state);
+
+/// One occurrence of the day.
+struct PlannedOccurrence {
+  unsigned long event = 0;
+  std::string description;
+  /// As the event says it, without its random part; the seconds of a sun time are left out.
+  std::time_t planned = 0;
+  /// With the random part; nothing where that is not known yet.
+  std::optional<std::time_t> due;
+  /// The random part reaches so many minutes to both sides.
+  long spread = 0;
+  OffsetBase base = OffsetBase::kClock;
+  OccurrenceState state = OccurrenceState::kPending;
+  std::string reason;
+  /// The journal's row of what became of it; 0 while it is pending.
+  long long journalRow = 0;
+};
+
+}  // namespace controller
