@@ -55,7 +55,7 @@ class ObjectReader {
   void NoOthers();
 
  private:
-  const nlohmann::json* Find(const char* name, Need need, const char* what);
+  const nlohmann::json* Find(const char* name, Need need, const std::string& what);
 
   const nlohmann::json& value_;
   std::string pointer_;
