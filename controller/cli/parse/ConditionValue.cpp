@@ -1,0 +1,130 @@
+#include "controller/cli/parse/ConditionValue.h"
+
+#include <array>
+
+#include "controller/Printable.h"
+#include "controller/cli/parse/TimeText.h"
+#include "controller/cli/parse/WeekdayText.h"
+#include "controller/json/ObjectReader.h"
+
+namespace controller {
+
+namespace {
+
+using nlohmann::ordered_json;
+using Value = ConditionKind::Value;
+
+constexpr std::array<ConditionKind, 6> kConditionKinds = {{
+    {"time", "time", false, Value::kTime, 0, 0},
+    {"weekday", "days", true, Value::kWeekday, 0, 0},
+    {"day", "days", true, Value::kNumber, 1, 31},
+    {"date", "date", false, Value::kDate, 0, 0},
+    {"month", "months", true, Value::kMonth, 1, 12},
+    {"year", "year", false, Value::kNumber, 1970, 9999},
+}};
+
+constexpr std::array<std::string_view, 12> kMonths = {
+    "january", "february", "march",     "april",   "may",      "june",
+    "july",    "august",   "september", "october", "november", "december"};
+
+ordered_json TakeTime(TextParts& parts, ValueUse use) {
+  TextPart part = parts.Next();
+  const std::string& half = parts.Peek().text;  // "7:30 pm"
+  if (half == "am" || half == "pm") part.text += parts.Next().text;
+  const auto minutes = ReadTimeOfDay(part.text);
+  if (!minutes) {
+    parts.Fail(part, "is no time of day; give 07:30, 7:30pm or noon",
+               "a time of day is missing; give 07:30, 7:30pm or noon");
+  }
+  if (*minutes == 0 && use == ValueUse::kCompared) {
+    parts.Fail(part, "cannot be compared with; give 00:01 to 23:59, or between two times", "");
+  }
+  return TimeOfDayText(*minutes);
+}
+
+ordered_json TakeNumber(TextParts& parts, const ConditionKind& kind) {
+  const TextPart part = parts.Next();
+  const auto number = ReadWhole(part.text, kind.most);
+  if (number && *number >= kind.least) return *number;
+  const std::string right =
+      "; give " + std::to_string(kind.least) + " to " + std::to_string(kind.most);
+  parts.Fail(part, std::string("is no ") + kind.name + right,
+             std::string("a ") + kind.name + " is missing" + right);
+}
+
+ordered_json TakeMonth(TextParts& parts) {
+  const TextPart part = parts.Next();
+  for (std::size_t month = 0; month < kMonths.size(); ++month) {
+    if (part.text.size() >= 3 && kMonths[month].starts_with(part.text)) return month + 1;
+  }
+  if (const auto number = ReadWhole(part.text, 12); number && *number > 0) return *number;
+  parts.Fail(part, "is no month; give 1 to 12 or jan to dec",
+             "a month is missing; give 1 to 12 or jan to dec");
+}
+
+ordered_json TakeDate(TextParts& parts) {
+  const TextPart part = parts.Next();
+  if (ReadDay(part.text)) return part.text;
+  parts.Fail(part, "is no date; give one like 2026-12-24",
+             "a date is missing; give one like 2026-12-24");
+}
+
+ordered_json TakeList(TextParts& parts, const ConditionKind& kind) {
+  ordered_json list = ordered_json::array();
+  if (kind.value == Value::kWeekday) {
+    for (const int day : TakeWeekdays(parts)) {
+      list.push_back(kWeekdays[static_cast<std::size_t>(day)]);
+    }
+    return list;
+  }
+  do {
+    list.push_back(TakeConditionValue(parts, kind, ValueUse::kCompared));
+  } while (TakeSeparator(parts) || !parts.AtEnd());
+  return list;
+}
+
+}  // namespace
+
+const ConditionKind* FindConditionKind(std::string_view name) {
+  for (const ConditionKind& kind : kConditionKinds) {
+    if (kind.name == name) return &kind;
+  }
+  return nullptr;
+}
+
+ordered_json TakeConditionValue(TextParts& parts, const ConditionKind& kind, ValueUse use) {
+  switch (kind.value) {
+    case Value::kTime:
+      return TakeTime(parts, use);
+    case Value::kWeekday:
+      return kWeekdays[static_cast<std::size_t>(TakeWeekday(parts))];
+    case Value::kNumber:
+      return TakeNumber(parts, kind);
+    case Value::kMonth:
+      return TakeMonth(parts);
+    default:
+      return TakeDate(parts);
+  }
+}
+
+ordered_json TakeConditionValues(TextParts& parts, const ConditionKind& kind) {
+  if (kind.list) return TakeList(parts, kind);
+  return TakeConditionValue(parts, kind, ValueUse::kCompared);
+}
+
+void CheckBounds(const TextParts& parts, const ConditionKind& kind, const ordered_json& condition,
+                 std::size_t begin, std::size_t length) {
+  const auto place = [&](const char* field) {
+    if (kind.value != Value::kWeekday) return condition[field];
+    return ordered_json(*ReadWeekday(condition[field].get<std::string>()));
+  };
+  if (kind.value == Value::kTime || kind.value == Value::kMonth) return;
+  if (place("from") <= place("to")) return;
+  parts.FailAt(begin, length,
+               kind.value == Value::kWeekday
+                   ? "nothing is between these: a week begins on sun; give \"weekday in\" and the "
+                     "days"
+                   : "nothing is between these; give the earlier one first");
+}
+
+}  // namespace controller
