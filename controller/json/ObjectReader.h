@@ -23,6 +23,8 @@ class ObjectReader {
   /// A value that is no object is an error, and has no fields.
   ObjectReader(const nlohmann::json& value, std::string pointer, FieldErrors& errors);
 
+  /// Whether the value has fields at all.
+  bool IsObject() const { return value_.is_object(); }
   /// Whether the field is there; null counts.
   bool Has(const char* name) const;
   /// Whether the field is there and null; it is then no unknown field.
