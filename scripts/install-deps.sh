@@ -22,6 +22,9 @@ bench_packages=(libbenchmark-dev libical-dev libpugixml-dev python3)
 fuzz_packages=(clang libclang-rt-dev llvm)
 style_packages=(clang-format clang-tidy)
 
+# Packages that must not be older than so: libevent's reading of HTTP was mended there.
+declare -A at_least=([libevent-dev]=2.1.12-stable-8+deb12u1)
+
 usage() {
   sed -n '2,/^set /{/^set /d;s/^# \{0,1\}//;p}' "$0" >&2
   exit 2
@@ -50,9 +53,17 @@ fi
 
 # dpkg-query fails where it has never heard of one; what it prints of the others counts.
 installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' "${wanted[@]}" 2>/dev/null || true)
+
+# is_there PACKAGE: it is installed, and not too old.
+is_there() {
+  grep -qxF "installed $1" <<<"$installed" || return 1
+  [ -n "${at_least[$1]-}" ] || return 0
+  dpkg --compare-versions "$(dpkg-query -W -f '${Version}' "$1")" ge "${at_least[$1]}"
+}
+
 missing=()
 for package in "${wanted[@]}"; do
-  grep -qxF "installed $package" <<<"$installed" || missing+=("$package")
+  is_there "$package" || missing+=("$package")
 done
 
 if [ ${#missing[@]} -eq 0 ]; then
@@ -103,4 +114,12 @@ echo "install-deps: fetching the package lists"
 apt_get "install-deps" update
 echo "install-deps: installing ${missing[*]}"
 apt_get "install-deps" install --no-install-recommends "${missing[@]}"
+for package in "${missing[@]}"; do
+  [ -n "${at_least[$package]-}" ] || continue
+  dpkg --compare-versions "$(dpkg-query -W -f '${Version}' "$package")" ge "${at_least[$package]}" &&
+    continue
+  echo "install-deps: $package is older than ${at_least[$package]}, which has security updates;" \
+    "add your distribution's security archive to apt's sources and run this again" >&2
+  exit 1
+done
 echo "install-deps: all ${#wanted[@]} packages are there"
