@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -30,12 +33,28 @@ struct HttpRequest {
   Role role = Role::kView;
 };
 
+/// The rest of an answer that goes on: each `Write` is sent at once. Destroyed, it ends the answer
+/// and the connection. From the loop only.
+class IHttpStream {
+ public:
+  virtual ~IHttpStream() = default;
+  /// Harmless where the client has gone.
+  virtual void Write(std::string_view text) = 0;
+  /// How many bytes the client has not taken yet.
+  virtual std::size_t Unread() const = 0;
+  /// `gone` is called once, when the client goes; it may destroy the stream.
+  virtual void WhenGone(std::function<void()> gone) = 0;
+};
+
 struct HttpResponse {
   int status = 200;
   std::string contentType = "application/json";
   std::string body;
   /// Beside those that every answer has.
   std::vector<std::pair<std::string, std::string>> headers;
+  /// Where it is given, `body` is only the beginning: this gets what the rest is written to. Not
+  /// called for HEAD, nor where the client has gone.
+  std::function<void(std::unique_ptr<IHttpStream>)> goesOn;
 };
 
 /// Answers a request: exactly once, from the loop, at once or later. Harmless where the client has
@@ -56,6 +75,9 @@ struct HttpRoute {
   std::size_t bodyLimit = 1UL << 20;
   /// The media types that a body may have.
   std::vector<std::string> bodyTypes = {"application/json"};
+  /// Answers also those who have no token where tokens are needed: the page, which has to be there
+  /// before it can ask for one.
+  bool open = false;
 };
 
 }  // namespace controller
