@@ -80,7 +80,8 @@ TokenOwner Access::Identify(const RequestHead& head) const {
 TokenOwner Access::OwnerOfGiven(const std::string& authorization) const {
   constexpr std::string_view kScheme = "bearer ";
   if (LowerCase(authorization).starts_with(kScheme)) {
-    const std::string_view token = Trimmed(std::string_view(authorization).substr(kScheme.size()));
+    const std::string_view token =
+        WithoutBlanks(std::string_view(authorization).substr(kScheme.size()));
     if (auto owner = tokens_.OwnerOf(token)) return *std::move(owner);
   }
   throw Problem("unauthorized",

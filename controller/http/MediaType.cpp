@@ -27,7 +27,7 @@ std::string Charset(const std::string& parameters) {
   if (name == std::string::npos) return "";
   std::string value = lower.substr(name + 8, lower.find(';', name) - name - 8);
   std::erase(value, '"');
-  return std::string(Trimmed(value));
+  return std::string(WithoutBlanks(value));
 }
 
 }  // namespace
@@ -36,7 +36,7 @@ void CheckMediaType(const RequestHead& head, const std::vector<std::string>& typ
   if (!head.HasBody()) return;
   const std::string given = FieldOf(head, "content-type");
   const std::size_t end = given.find(';');
-  const std::string type = LowerCase(Trimmed(std::string_view(given).substr(0, end)));
+  const std::string type = LowerCase(WithoutBlanks(std::string_view(given).substr(0, end)));
   if (std::find(types.begin(), types.end(), type) == types.end()) {
     throw Problem("unsupported-media-type",
                   given.empty() ? "Content-Type is missing; give " + Listed(types)

@@ -132,7 +132,7 @@ void ReadField(RequestHead& head, std::string_view line) {
               " is not \"Name: value\" without a space before the colon");
   }
   const std::string name = LowerCase(line.substr(0, colon));
-  const std::string value(Trimmed(line.substr(colon + 1)));
+  const std::string value(WithoutBlanks(line.substr(colon + 1)));
   const auto [place, isNew] = head.fields.try_emplace(name, value);
   if (isNew) return;
   for (const char* const once : {"host", "content-length", "transfer-encoding", "content-type",

@@ -25,6 +25,6 @@ std::optional<QueryFields> ParseQuery(std::string_view query);
 /// ASCII letters in lower case, all else as it is.
 std::string LowerCase(std::string_view text);
 /// Without spaces and tabs at both ends.
-std::string_view Trimmed(std::string_view text);
+std::string_view WithoutBlanks(std::string_view text);
 
 }  // namespace controller
