@@ -41,6 +41,8 @@ struct EventElement {
   /// Bit 0 = Sunday .. bit 6 = Saturday.
   unsigned daymask = 0;
   std::optional<DayFields> end;
+
+  bool operator==(const EventElement&) const = default;
 };
 
 EventElement ReadEventElement(const VxXML::INode& event);
