@@ -77,22 +77,41 @@ void HttpConnection::OnInput(evbuffer* input, const evbuffer_cb_info* info, void
 }
 
 void HttpConnection::Read(evbuffer* input, std::size_t from) {
+  if (passing_) return;
   if (state_ == State::kStreaming || state_ == State::kLingering) return DropInput();
   std::string bytes(evbuffer_get_length(input) - from, '\0');
   evbuffer_ptr place{};
   evbuffer_ptr_set(input, &place, from, EVBUFFER_PTR_SET);
   evbuffer_copyout_from(input, &place, bytes.data(), bytes.size());
+  const std::string heldBefore(framer_.PartOfHead());
   try {
     framer_.Feed(bytes);
     const bool tooMuch = judged_.size() > kMostWaitingRequests ||
                          (judged_.size() > 1 && evbuffer_get_length(input) > kMostWaitingBytes);
     if (tooMuch) throw Problem("too-many", "too many requests were sent at once");
+    Pass(input, from, heldBefore + bytes);
     if (state_ != State::kAnswering) WaitForMore();
   } catch (const RefusedHead&) {
     Refuse(HttpResponse(*judged_.back().refusal));
   } catch (const Problem& problem) {
     Refuse(problem.Response());
   }
+}
+
+/// Leaves in the buffer, behind the `from` bytes that evhttp has not taken yet, what of `bytes` it
+/// may see: it must not judge a head before it was judged here, so a part of one is held back.
+void HttpConnection::Pass(evbuffer* input, std::size_t from, std::string_view bytes) {
+  const std::size_t held = framer_.PartOfHead().size();
+  bytes.remove_suffix(held);
+  if (held == 0 && evbuffer_get_length(input) - from == bytes.size()) return;
+  std::string all(from, '\0');
+  evbuffer_copyout(input, all.data(), all.size());
+  all += bytes;
+  passing_ = true;
+  DropInput();
+  const bool passed = evbuffer_add(input, all.data(), all.size()) == 0;
+  passing_ = false;
+  if (!passed) Cut();
 }
 
 std::size_t HttpConnection::OnHead(RequestHead head) {

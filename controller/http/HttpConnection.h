@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "controller/Loop.h"
 #include "controller/http/Http.h"
@@ -93,6 +94,7 @@ class HttpConnection final : private RequestFramer::IReader {
 
   void Open();
   void Read(evbuffer* input, std::size_t from);
+  void Pass(evbuffer* input, std::size_t from, std::string_view bytes);
   void Expire();
   void Refuse(const HttpResponse& response);
   void DropInput();
@@ -109,6 +111,8 @@ class HttpConnection final : private RequestFramer::IReader {
   evhttp_connection* connection_ = nullptr;
   evbuffer_cb_entry* watch_ = nullptr;
   State state_ = State::kOpening;
+  /// The buffer is being changed by `Pass`.
+  bool passing_ = false;
   std::deque<JudgedRequest> judged_;
   ITenant* tenant_ = nullptr;
 };

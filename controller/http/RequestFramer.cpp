@@ -17,6 +17,10 @@ RequestFramer::Phase RequestFramer::Where() const {
   return text_.empty() ? Phase::kBetween : Phase::kHead;
 }
 
+std::string_view RequestFramer::PartOfHead() const {
+  return state_ == State::kHead ? std::string_view(text_) : std::string_view();
+}
+
 void RequestFramer::Feed(std::string_view bytes) {
   while (!bytes.empty()) {
     switch (state_) {

@@ -38,6 +38,8 @@ class RequestFramer {
   /// used any further then, since nobody knows where the next one would begin.
   void Feed(std::string_view bytes);
   Phase Where() const;
+  /// The head that is not complete yet, as far as it has come.
+  std::string_view PartOfHead() const;
 
  private:
   enum class State { kHead, kFixedBody, kChunkSize, kChunk, kChunkEnd, kLastEnd };
