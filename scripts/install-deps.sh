@@ -16,7 +16,7 @@ set -eu -o pipefail
 # g++ brings libbacktrace and the sanitizers' run-time libraries with it.
 run_packages=(
   ca-certificates cmake g++ libcli11-dev libcurl4-openssl-dev libevent-dev libexpat1-dev libsqlite3-dev
-  ninja-build nlohmann-json3-dev pkgconf tzdata)
+  ninja-build nettle-dev nlohmann-json3-dev pkgconf tzdata)
 test_packages=(binutils libgmock-dev libgtest-dev libical-dev python3)
 bench_packages=(libbenchmark-dev libical-dev libpugixml-dev python3)
 fuzz_packages=(clang libclang-rt-dev llvm)
