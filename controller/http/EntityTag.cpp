@@ -20,7 +20,7 @@ std::vector<std::string> TagsOf(std::string_view list) {
   for (std::size_t at = 0; at <= list.size(); ++at) {
     if (at < list.size() && list[at] == '"') quoted = !quoted;
     if (at < list.size() && (quoted || list[at] != ',')) continue;
-    const std::string_view tag = Trimmed(list.substr(begin, at - begin));
+    const std::string_view tag = WithoutBlanks(list.substr(begin, at - begin));
     if (!tag.empty()) tags.emplace_back(tag);
     begin = at + 1;
   }

@@ -74,7 +74,8 @@ std::optional<RawAnswer> ParseAnswer(std::string& received, bool hasBody) {
     const std::size_t lineEnd = received.find("\r\n", at);
     const std::size_t colon = received.find(':', at);
     answer.fields[controller::LowerCase(received.substr(at, colon - at))] =
-        controller::Trimmed(std::string_view(received).substr(colon + 1, lineEnd - colon - 1));
+        controller::WithoutBlanks(
+            std::string_view(received).substr(colon + 1, lineEnd - colon - 1));
     at = lineEnd + 2;
   }
   std::size_t size = 0;
