@@ -1,0 +1,53 @@
+// One occurrence as it stands in a calendar, and what there is to say about a day.
+
+import {addDays} from '../dates.js';
+import {h, icon} from '../dom.js';
+import {house} from '../house.js';
+import {t, timeText} from '../locale.js';
+import {baseIcon} from '../sheet.js';
+
+/** What became of an occurrence, or what keeps it from acting: a name of a state, or null. */
+export function stateOf({event, date}) {
+  if (date === house.today.date) {
+    const known = house.today.occurrences.find((one) => one.event === event);
+    if (known && known.state !== 'pending') return known.state;
+  }
+  if (date < house.date()) return null;
+  return house.heldOn(date, event) ? 'held' : null;
+}
+
+/** A button that opens its event and can be dragged. */
+export function chip(occurrence, open) {
+  const {event, description, date, base, minutes} = occurrence;
+  const state = stateOf(occurrence);
+  const past = date < house.date() ? ' past' : '';
+  const odd = house.events.get(event)?.odd;
+  const element = h('button', {
+    type: 'button', class: `chip ${baseIcon(base)}${state ? ` ${state}` : ''}${past}`,
+    'data-key': `${date}-${event}`, title: `${timeText(minutes)} ${description}`,
+    'data-drag': odd ? null : '', onclick: () => open(occurrence),
+  },
+  icon(baseIcon(base)),
+  h('time', {datetime: `${date}T${String(Math.floor(minutes / 60)).padStart(2, '0')}:${String(minutes % 60).padStart(2, '0')}`},
+    timeText(minutes)),
+  h('span', {class: 'name'}, description),
+  base !== 'clock' && h('span', {class: 'unseen'}, t(`chip.${base}`)),
+  state && h('span', {class: 'unseen'}, t(`state.${state}`)));
+  element.occurrence = occurrence;
+  return element;
+}
+
+/** By how many minutes the clocks change in the night that leads to `day`; 0: they do not. */
+export function clockChange(day, suns) {
+  const now = suns.get(day);
+  const before = suns.get(addDays(day, -1));
+  return now && before ? now.offset - before.offset : 0;
+}
+
+/** "clocks +1 h" where they change, else null. */
+export function clockChangeMark(day, suns) {
+  const change = clockChange(day, suns);
+  if (change === 0) return null;
+  const text = t(change > 0 ? 'clocks.forward' : 'clocks.back', {n: Math.abs(change)});
+  return h('span', {class: 'clockchange', title: text}, icon('shift'), h('span', null, text));
+}

@@ -1,0 +1,119 @@
+// Dragging a chip to another day or time, by mouse, pen, or a long press of a finger. What it does can
+// also be done by "Move" of the event's dialog, without dragging.
+
+import {h} from '../dom.js';
+import {shortDate, timeText} from '../locale.js';
+import {HOUR_PX} from './hours.js';
+
+const FAR_PX = 5;
+const PRESS_MS = 450;
+const STEP_MINUTES = 5;
+const EDGE_PX = 36;
+
+/**
+ * Watches `stage`; `dropped(occurrence, {date, minutes})` where one was put elsewhere. Where a day has
+ * no hours the time stays.
+ */
+export function dragging(stage, dropped) {
+  let held = null; // {chip, x, y, timer, ghost, target}
+
+  const start = () => {
+    const ghost = h('div', {class: 'ghost'}, held.chip.querySelector('.name').textContent, ' ',
+      h('strong'));
+    document.body.append(ghost);
+    held.ghost = ghost;
+    held.chip.classList.add('dragged');
+    stage.classList.add('dragging');
+  };
+
+  const stop = () => {
+    if (!held) return;
+    clearTimeout(held.timer);
+    held.ghost?.remove();
+    held.chip.classList.remove('dragged');
+    stage.classList.remove('dragging');
+    stage.querySelector('.droptarget')?.classList.remove('droptarget');
+    held = null;
+  };
+
+  const targetAt = (x, y) => {
+    const place = document.elementFromPoint(x, y)?.closest('[data-day]');
+    if (!place || !stage.contains(place)) return null;
+    const {minutes} = held.chip.occurrence;
+    if (place.dataset.hours === undefined) return {place, date: place.dataset.day, minutes};
+    const above = y - held.grip - place.getBoundingClientRect().top;
+    const at = Math.round(above / HOUR_PX * 60 / STEP_MINUTES) * STEP_MINUTES;
+    return {place, date: place.dataset.day, minutes: Math.max(0, Math.min(1435, at))};
+  };
+
+  const scrollAt = (y) => {
+    const box = stage.querySelector('.scroll');
+    if (!box) return;
+    const {top, bottom} = box.getBoundingClientRect();
+    if (y < top + EDGE_PX) box.scrollTop -= 12;
+    else if (y > bottom - EDGE_PX) box.scrollTop += 12;
+  };
+
+  const move = (x, y) => {
+    scrollAt(y);
+    held.target = targetAt(x, y);
+    stage.querySelector('.droptarget')?.classList.remove('droptarget');
+    held.target?.place.classList.add('droptarget');
+    Object.assign(held.ghost.style, {transform: `translate(${x + 12}px, ${y + 12}px)`});
+    held.ghost.querySelector('strong').textContent = held.target
+      ? `${shortDate(held.target.date)} ${timeText(held.target.minutes)}` : '';
+  };
+
+  const listeners = {
+    pointerdown: (event) => {
+      const chip = event.target.closest?.('[data-drag]');
+      if (!chip || event.button !== 0 || held) return;
+      const grip = event.clientY - chip.getBoundingClientRect().top;
+      held = {chip, x: event.clientX, y: event.clientY, grip, touch: event.pointerType === 'touch'};
+      if (held.touch) held.timer = setTimeout(start, PRESS_MS);
+    },
+    pointermove: (event) => {
+      if (!held) return;
+      const far = Math.hypot(event.clientX - held.x, event.clientY - held.y) > FAR_PX;
+      if (!held.ghost) {
+        if (!far) return;
+        if (held.touch) return stop(); // It scrolls.
+        start();
+      }
+      move(event.clientX, event.clientY);
+    },
+    pointerup: () => {
+      if (!held?.ghost) return stop();
+      const {chip, target} = held;
+      stop();
+      // The click that follows is the end of the drag.
+      addEventListener('click', (click) => {
+        click.stopPropagation();
+        click.preventDefault();
+      }, {capture: true, once: true, signal: AbortSignal.timeout(50)});
+      const {date, minutes} = chip.occurrence;
+      if (target && (target.date !== date || target.minutes !== minutes)) {
+        dropped(chip.occurrence, {date: target.date, minutes: target.minutes});
+      }
+    },
+    pointercancel: stop,
+    keydown: (event) => {
+      if (event.key === 'Escape' && held) stop();
+    },
+  };
+  for (const [name, listener] of Object.entries(listeners)) {
+    (name === 'pointerdown' ? stage : window).addEventListener(name, listener);
+  }
+  // A finger that drags does not scroll.
+  const noScroll = (event) => held?.ghost && event.preventDefault();
+  stage.addEventListener('touchmove', noScroll, {passive: false});
+  stage.addEventListener('contextmenu', (event) => held?.touch && event.preventDefault());
+
+  return {
+    active: () => Boolean(held?.ghost),
+    end: () => {
+      stop();
+      for (const [name, listener] of Object.entries(listeners)) window.removeEventListener(name, listener);
+    },
+  };
+}

@@ -1,0 +1,176 @@
+// The page: its head, the way between its views, and what keeps them up with the house.
+
+import * as api from './api.js';
+import {offsetOf, offsetText, wall} from './dates.js';
+import {button, h, icon, replace} from './dom.js';
+import {house} from './house.js';
+import {longDate, onSettings, readSettings, t, timeText} from './locale.js';
+import {dialog, failed, undo} from './notices.js';
+import {calendar} from './views/calendar.js';
+import {event, newEvent} from './views/event.js';
+import {events} from './views/events.js';
+import {journal} from './views/journal.js';
+import {programming} from './views/programming.js';
+import {placeText, project} from './views/project.js';
+import {sun} from './views/sun.js';
+import {today} from './views/today.js';
+
+const NAV = ['today', 'calendar', 'events', 'sun', 'journal', 'project'];
+const TOPICS = ['project', 'events', 'today', 'journal', 'saving', 'connection', 'replaced'];
+const ROUTES = [
+  [/^today$/, today], [/^calendar$/, calendar], [/^events$/, events], [/^events\/new$/, newEvent],
+  [/^events\/(\d+)$/, event], [/^events\/(\d+)\/programming$/, programming], [/^sun$/, sun],
+  [/^journal$/, journal], [/^project$/, project],
+];
+
+const main = document.getElementById('main');
+let view = null;
+let shownHash = null;
+
+/** "#/calendar?view=week" as its view, path and parameters. */
+function routeOf(hash) {
+  const [path, search = ''] = hash.replace(/^#\/?/, '').split('?');
+  for (const [pattern, make] of ROUTES) {
+    const parts = pattern.exec(path);
+    if (parts) return {make, path, id: Number(parts[1]), params: new URLSearchParams(search)};
+  }
+  return {make: today, path: 'today', params: new URLSearchParams()};
+}
+
+async function navigate() {
+  const wanted = location.hash;
+  if (view?.leaves && !await view.leaves()) return history.replaceState(null, '', shownHash);
+  shownHash = wanted;
+  show(true);
+}
+
+function show(focus) {
+  view?.end?.();
+  main.replaceChildren();
+  const route = routeOf(location.hash);
+  view = route.make(main, route);
+  document.title = `${view.title} – ${house.project.name}`;
+  drawNav(route.path.split('/')[0]);
+  if (focus && !view.focused) {
+    main.querySelector('h1')?.focus({preventScroll: true});
+    scrollTo(0, 0);
+  }
+}
+
+function drawNav(current) {
+  replace(document.getElementById('nav'), NAV.map((name) => h('a', {href: `#/${name}`, 'data-key': name,
+    'aria-current': name === current ? 'page' : null}, icon(name), h('span', null, t(`nav.${name}`)))));
+}
+
+/** What a wrong zone or place would show in. */
+function drawHead() {
+  const {name, place, timezone, away_until: away} = house.project;
+  document.getElementById('name').textContent = name;
+  const {sun: ofDay} = house;
+  const sunText = ofDay?.polar ? [h('span', null, t(`head.polar.${ofDay.polar}`))] : ofDay && [
+    h('span', {class: 'rise'}, icon('sunrise'), h('span', {class: 'unseen'}, t('say.sunrise')), ' ', timeText(wall(ofDay.sunrise).minutes)),
+    h('span', {class: 'set'}, icon('sunset'), h('span', {class: 'unseen'}, t('say.sunset')), ' ', timeText(wall(ofDay.sunset).minutes))];
+  replace(document.getElementById('facts'),
+    h('span', {class: 'now'}, h('time', {id: 'clock'})),
+    h('span', {class: 'zone'}, `${timezone.name} · ${offsetText(offsetOf(house.project.now))}`),
+    h('a', {class: 'place', href: '#/project', 'data-key': 'place'}, icon('place'), placeText(place), place.guessed ? ` (${t('head.guessed')})` : ''),
+    sunText, away > house.date() && h('a', {class: 'away', href: '#/project', 'data-key': 'away'}, t('state.away')));
+  tick();
+}
+
+function tick() {
+  const clock = document.getElementById('clock');
+  if (!clock) return;
+  const {day, minutes} = house.wallNow();
+  const text = timeText(minutes);
+  if (clock.textContent === text && clock.dateTime.startsWith(day)) return;
+  clock.textContent = text;
+  clock.dateTime = `${day}T${text}`;
+  clock.title = longDate(day);
+}
+
+/** Whether the page can be believed: the connection, and whether changes reach the disk. */
+function drawConnection() {
+  const {connection, saving} = house;
+  const state = document.getElementById('connection');
+  state.className = connection;
+  replace(state, h('i', {'aria-hidden': 'true'}), h('span', null, t(`connection.${connection}`)));
+  const alarm = document.getElementById('alarm');
+  const texts = [connection === 'lost' && t('alarm.lost'), saving.ok === false && t('alarm.saving', {why: saving.why ?? ''})].filter(Boolean);
+  alarm.hidden = texts.length === 0;
+  if (alarm.textContent !== texts.join(' ')) alarm.textContent = texts.join(' ');
+}
+
+const askForToken = () => dialog(t('token.title'), (close) => {
+  const input = h('input', {type: 'password', autocomplete: 'off', autofocus: true, 'aria-label': t('token.label')});
+  return h('form', {onsubmit: (submit) => {
+    submit.preventDefault();
+    close(input.value.trim());
+  }}, h('p', null, t('token.text')), input, h('footer', null, h('button', {class: 'primary'}, t('token.do'))));
+}, 'narrow').then((text) => {
+  if (text) api.setToken(text);
+  return text || null;
+});
+
+function keys(event) {
+  if (event.defaultPrevented || document.querySelector('dialog[open]')) return;
+  const writing = event.target.closest?.('input, textarea, select');
+  if ((event.ctrlKey || event.metaKey) && event.key === 'z' && !writing && undo()) event.preventDefault();
+}
+
+function listen() {
+  for (const topic of TOPICS) {
+    house.addEventListener(topic, ({detail}) => {
+      try {
+        view?.on[topic]?.(detail);
+      } catch (error) {
+        failed(error);
+      }
+    });
+  }
+  house.addEventListener('project', drawHead);
+  house.addEventListener('connection', drawConnection);
+  house.addEventListener('saving', drawConnection);
+  onSettings(() => {
+    drawFrame();
+    show(false);
+  });
+  addEventListener('hashchange', () => navigate().catch(failed));
+  addEventListener('keydown', keys);
+  // Not by its address: that names the view.
+  document.getElementById('skip').addEventListener('click', (click) => {
+    click.preventDefault();
+    main.focus();
+  });
+  addEventListener('beforeunload', (leaving) => {
+    if (view?.dirty?.()) leaving.preventDefault();
+  });
+  setInterval(tick, 1000);
+}
+
+/** The words of the page's frame, which index.html leaves out. */
+function drawFrame() {
+  document.getElementById('skip').textContent = t('skipToMain');
+  document.getElementById('nav').setAttribute('aria-label', t('nav'));
+  document.getElementById('facts').setAttribute('aria-label', t('head'));
+  drawHead();
+  drawConnection();
+}
+
+async function start() {
+  readSettings();
+  api.onUnauthorized(askForToken);
+  try {
+    await house.start();
+  } catch (error) {
+    return replace(main, h('h1', {tabindex: '-1'}, t('start.failed')), h('p', {class: 'error'}, error.message),
+      button(t('start.again'), () => location.reload(), {kind: 'primary'}));
+  }
+  listen();
+  drawFrame();
+  shownHash = location.hash;
+  show(false);
+  document.documentElement.dataset.ready = '';
+}
+
+start();

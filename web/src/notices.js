@@ -1,0 +1,128 @@
+// What the page says beside its views: notices with an undo, and dialogs.
+
+import {button, freshId, h, icon, iconButton} from './dom.js';
+import {t} from './locale.js';
+
+const PLAIN_MS = 8000;
+const UNDO_MS = 30000;
+const RUN_HOLD_S = 4;
+
+const shelf = () => document.getElementById('notices');
+let undoLatest = null;
+
+/** Undoes what the latest notice that offers it is about; false where there is none. */
+export function undo() {
+  if (!undoLatest) return false;
+  undoLatest();
+  return true;
+}
+
+/**
+ * Says `text` for a while, longer as long as somebody points at it. `undo` is offered as a button
+ * and taken once. Answers with what takes the notice away.
+ */
+export function notice(text, {kind = 'plain', undo: takeBack, label, lasts} = {}) {
+  let timer;
+  const element = h('div', {class: `notice ${kind}`});
+  const close = () => {
+    clearTimeout(timer);
+    if (undoLatest === once) undoLatest = null;
+    if (element.contains(document.activeElement)) document.querySelector('main h1')?.focus();
+    element.remove();
+  };
+  const once = takeBack && (async () => {
+    close();
+    try {
+      await takeBack();
+    } catch (error) {
+      failed(error);
+    }
+  });
+  element.append(...[
+    kind === 'bad' && icon('warning'),
+    h('p', null, text),
+    once && button(label ?? t('undo'), once, {kind: 'small', 'data-key': 'undo'}),
+    iconButton(t('dismiss'), 'missed', close),
+  ].filter(Boolean));
+  const wait = () => {
+    clearTimeout(timer);
+    timer = setTimeout(close, lasts ?? (once ? UNDO_MS : PLAIN_MS));
+  };
+  for (const name of ['pointerenter', 'focusin']) element.addEventListener(name, () => clearTimeout(timer));
+  for (const name of ['pointerleave', 'focusout']) element.addEventListener(name, wait);
+  shelf().append(element);
+  while (shelf().children.length > 4) shelf().firstElementChild.remove();
+  if (once) undoLatest = once;
+  if (kind !== 'bad') wait();
+  return close;
+}
+
+export function failed(error) {
+  if (error.name === 'AbortError') return;
+  notice(error.message, {kind: 'bad'});
+}
+
+/** Does `work` after a few seconds, unless it is called off meanwhile. */
+export function holdThen(text, work) {
+  let left = RUN_HOLD_S;
+  let over = false;
+  const finish = (doIt) => {
+    if (over) return;
+    over = true;
+    clearInterval(timer);
+    removeEventListener('pagehide', now);
+    close();
+    if (doIt) work();
+  };
+  const now = () => finish(true);
+  // Whoever leaves the page has not called it off.
+  addEventListener('pagehide', now);
+  const close = notice(text, {undo: () => finish(false), lasts: RUN_HOLD_S * 1000 + 5000});
+  const timer = setInterval(() => --left <= 0 && now(), 1000);
+}
+
+/**
+ * A dialog that has to be answered; resolves with what `close(answer)` is given, undefined where it
+ * is dismissed. `fill(close)` answers with what stands in it.
+ */
+export function dialog(title, fill, kind = '') {
+  return new Promise((resolve) => {
+    const before = document.activeElement;
+    const key = before?.closest?.('[data-key]')?.dataset.key;
+    const id = freshId('title');
+    let answer;
+    const close = (value) => {
+      answer = value;
+      element.close();
+    };
+    const element = h('dialog', {class: kind, 'aria-labelledby': id},
+      h('header', null, h('h2', {id, tabindex: '-1'}, title),
+        iconButton(t('close'), 'missed', () => close())),
+      fill(close));
+    element.addEventListener('close', () => {
+      element.remove();
+      giveFocusBack(before, key);
+      resolve(answer);
+    });
+    element.addEventListener('click', (event) => event.target === element && close());
+    document.body.append(element);
+    element.showModal();
+    element.querySelector('[autofocus]')?.focus();
+  });
+}
+
+/** Back to where it was; the list may have been drawn anew meanwhile. */
+function giveFocusBack(before, key) {
+  if (document.querySelector('dialog[open]')) return;
+  const same = key && document.querySelector(`main [data-key="${CSS.escape(key)}"]`);
+  const target = before?.isConnected ? before : same || document.querySelector('main h1');
+  target?.focus();
+}
+
+/** Asks before something that cannot be undone; true where it is wanted. */
+export const confirmed = (title, text, yes) => dialog(title, (close) => [
+  h('p', null, text),
+  h('footer', null,
+    button(t('cancel'), () => close(false)),
+    button(yes, () => close(true), {kind: 'primary', autofocus: true})),
+], 'narrow').then(Boolean);
