@@ -202,6 +202,21 @@ void HttpServer::Route(const RequestHead& head, const HttpConnection& connection
   request.headers = head.fields;
 }
 
+bool HttpServer::IsStillAllowed(const HttpRequest& request, Role role) {
+  RequestHead head;
+  head.fields = request.headers;
+  try {
+    CheckRole(access_.Identify(head), role);
+    return true;
+  } catch (const Problem&) {
+    return false;
+  } catch (const Failure& failure) {
+    // That the tokens cannot be read just now is no reason to turn those away who are in.
+    Log::Error(std::string("http: tokens: ") + failure.what());
+    return true;
+  }
+}
+
 void HttpServer::OnRequest(evhttp_request* request, void* argument) {
   auto& self = *static_cast<HttpServer*>(argument);
   Guarded(self.base_, [&] { self.Handle(request); });

@@ -55,6 +55,9 @@ class HttpServer final : private HttpConnection::IOwner {
   const HttpLimits& Limits() const { return options_.limits; }
   /// Somebody who is not at this computer can reach it, so that tokens are needed.
   bool NeedsToken() const { return access_.NeedsToken(); }
+  /// Whether the token that came with a request is still one that may do what needs `role`; true
+  /// where none was needed and none came.
+  bool IsStillAllowed(const HttpRequest& request, Role role);
 
  private:
   struct HttpFree {
