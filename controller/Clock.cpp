@@ -27,6 +27,14 @@ std::time_t Clock::Now() {
   return now.tv_sec;
 }
 
+bool Clock::IsFrozen() { return frozen; }
+
+ClockScope::ClockScope(std::time_t now) : wasFrozen_(Clock::IsFrozen()), before_(Clock::Now()) {
+  Clock::Freeze(now);
+}
+
+ClockScope::~ClockScope() { wasFrozen_ ? Clock::Freeze(before_) : Clock::Release(); }
+
 }  // namespace controller
 
 /// Takes the place of the C library's function for the program and every library it loads.

@@ -17,6 +17,22 @@ class Clock {
   static void Release();
   /// What `time()` answers.
   static std::time_t Now();
+  /// Whether it has been stopped.
+  static bool IsFrozen();
+};
+
+/// Another time for a while: the clock stands still from here on, and when this goes it is what it
+/// was before.
+class ClockScope {
+ public:
+  explicit ClockScope(std::time_t now);
+  ~ClockScope();
+  ClockScope(const ClockScope&) = delete;
+  ClockScope& operator=(const ClockScope&) = delete;
+
+ private:
+  bool wasFrozen_;
+  std::time_t before_;
 };
 
 }  // namespace controller

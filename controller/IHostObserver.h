@@ -16,6 +16,11 @@ class IHostObserver {
                            const IBindMessage& message) = 0;
   virtual void OnUiData(IDriver& driver, const VxXML::INode& data) = 0;
   virtual void OnStateInvalidated(IDriver& driver) = 0;
+  /// Before a driver's timer: false where the driver is not to be told, because it is gone.
+  virtual bool OnTickBegins(IDriver& driver) = 0;
+  /// The driver's timer call is over; drivers may be entered.
+  virtual void OnTickEnded(IDriver& driver) = 0;
+  virtual void OnDriverLog(IDriver& driver, unsigned int level, const char* text) = 0;
   /// The programming of one owner is to be dropped; `kind` as `CI_OWNER_ID_TYPE` counts.
   virtual void OnProgrammingDropped(IDriver& driver, unsigned long ownerId, int kind) = 0;
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "controller/EventElement.h"
+#include "controller/ProjectStore.h"
 
 namespace controller {
 
@@ -47,6 +48,30 @@ struct JournalQuery {
   /// Rows before this one.
   std::optional<std::int64_t> before;
   std::size_t limit = 100;
+};
+
+/// What has happened in a house, kept in its project: the last 400 days, 100,000 rows at most.
+class Journal {
+ public:
+  static constexpr long kKeptDays = 400;
+  static constexpr std::int64_t kKeptRows = 100000;
+
+  /// Finds out which number comes next.
+  explicit Journal(ProjectStore& store);
+
+  /// The number of a new row.
+  std::int64_t NextId() { return ++last_; }
+
+  /// These throw a `Failure` where the database does. A row that is there already is written over.
+  static void Write(ProjectStore& store, const JournalRow& row);
+  static std::vector<JournalRow> Read(ProjectStore& store, const JournalQuery& wanted);
+  /// When the newest row was written.
+  static std::optional<std::time_t> Newest(ProjectStore& store);
+  /// Drops what is too old or too much.
+  static void Prune(ProjectStore& store, std::time_t now);
+
+ private:
+  std::int64_t last_;
 };
 
 }  // namespace controller

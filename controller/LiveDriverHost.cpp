@@ -54,8 +54,10 @@ void* LiveDriverHost::FindQuery(const char* iid) {
 unsigned long LiveDriverHost::AddTimer(VxBaseDriver& driver, unsigned long intervalMilliseconds,
                                        unsigned int) {
   const unsigned long id = timers_.Add(intervalMilliseconds, [this, &driver](unsigned long timer) {
+    if (!observer_.OnTickBegins(driver)) return;
     seed_.SeedOnNewDay();
     driver.OnTimerExpired(timer, 0);
+    observer_.OnTickEnded(driver);
   });
   if (id != 0) timerOwners_[id] = &driver;
   return id;
@@ -127,8 +129,9 @@ void LiveDriverHost::EmRemoveByOwner(VxBaseDriver& driver, unsigned long ownerId
   observer_.OnProgrammingDropped(driver, ownerId, kind);
 }
 
-void LiveDriverHost::LogMessage(VxBaseDriver&, unsigned int level, const char* text) {
+void LiveDriverHost::LogMessage(VxBaseDriver& driver, unsigned int level, const char* text) {
   if (text == nullptr) return;
+  observer_.OnDriverLog(driver, level, text);
   if (level <= 3) return Log::Error(text);
   if (level == 4) return Log::Warning(text);
   level <= 6 ? Log::Info(text) : Log::Debug(text);

@@ -1,7 +1,10 @@
 #include "controller/LocalTimeText.h"
 
 #include <cctype>
+#include <chrono>
 #include <string_view>
+
+#include "controller/Log.h"
 
 namespace controller {
 namespace {
@@ -59,6 +62,58 @@ std::optional<std::time_t> ParseLocalTime(const std::string& text) {
   if (!IsPossible(fields)) return std::nullopt;
   const std::time_t instant = std::mktime(&fields);
   return FirstOfTwo(instant, fields);
+}
+
+std::time_t LocalInstant(const DayFields& day, int hour, int minute) {
+  std::tm fields{};
+  fields.tm_year = day.year - 1900;
+  fields.tm_mon = day.month - 1;
+  fields.tm_mday = day.day;
+  fields.tm_hour = hour;
+  fields.tm_min = minute;
+  fields.tm_isdst = -1;
+  const std::time_t instant = std::mktime(&fields);
+  return FirstOfTwo(instant, fields);
+}
+
+DayFields LocalDay(std::time_t moment) {
+  std::tm fields{};
+  if (localtime_r(&moment, &fields) == nullptr) return {};
+  return {fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday};
+}
+
+namespace {
+
+std::chrono::sys_days CivilDays(const DayFields& day) {
+  return std::chrono::year(day.year) / std::chrono::month(static_cast<unsigned>(day.month)) /
+         std::chrono::day(static_cast<unsigned>(day.day));
+}
+
+}  // namespace
+
+DayFields DaysAfter(const DayFields& day, long days) {
+  const std::chrono::year_month_day then(CivilDays(day) + std::chrono::days(days));
+  return {static_cast<int>(then.year()), static_cast<int>(static_cast<unsigned>(then.month())),
+          static_cast<int>(static_cast<unsigned>(then.day()))};
+}
+
+long DaysBetween(const DayFields& earlier, const DayFields& later) {
+  return (CivilDays(later) - CivilDays(earlier)).count();
+}
+
+std::string MomentText(std::time_t moment) {
+  std::tm fields{};
+  if (localtime_r(&moment, &fields) == nullptr) return "";
+  std::string text(32, '\0');
+  text.resize(std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &fields));
+  return text + OffsetText(moment);
+}
+
+int DayNumber(const DayFields& day) { return day.year * 10000 + day.month * 100 + day.day; }
+
+DayFields DayOfNumber(long number) {
+  return {static_cast<int>(number / 10000), static_cast<int>(number / 100 % 100),
+          static_cast<int>(number % 100)};
 }
 
 }  // namespace controller

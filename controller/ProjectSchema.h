@@ -8,9 +8,10 @@ constexpr long kProjectApplicationId = 0x56584C4B;
 
 /// The version of the tables below. A change of them is a new number and a step that leads from the
 /// one before to it.
-constexpr long kProjectSchemaVersion = 1;
+constexpr long kProjectSchemaVersion = 2;
 
-constexpr const char* kProjectSchema = R"sql(
+/// The first version's tables.
+constexpr const char* kProjectSchema1 = R"sql(
 PRAGMA application_id = 0x56584C4B;
 PRAGMA user_version = 1;
 CREATE TABLE setting (
@@ -31,6 +32,43 @@ CREATE TABLE driver_state_backup (
   saved INTEGER NOT NULL,
   reason TEXT NOT NULL
 ) STRICT;
+)sql";
+
+/// What the second version adds.
+constexpr const char* kProjectSchema2 = R"sql(
+PRAGMA user_version = 2;
+-- What an event does when it fires; events without a row do nothing.
+CREATE TABLE programming (
+  event INTEGER PRIMARY KEY,
+  body TEXT NOT NULL  -- JSON
+) STRICT;
+-- What became of each occurrence. An occurrence that was acted on is never acted on again.
+CREATE TABLE decision (
+  event INTEGER NOT NULL,
+  date INTEGER NOT NULL,     -- the civil day, 20261121
+  planned INTEGER NOT NULL,  -- seconds since the epoch
+  outcome TEXT NOT NULL,     -- fired, held, missed
+  PRIMARY KEY (event, date, planned)
+) STRICT, WITHOUT ROWID;
+CREATE INDEX decision_date ON decision (date);
+CREATE TABLE journal (
+  id INTEGER PRIMARY KEY,
+  at INTEGER NOT NULL,
+  kind TEXT NOT NULL,
+  event INTEGER,
+  description TEXT NOT NULL,
+  date INTEGER,
+  planned INTEGER,
+  drawn INTEGER,
+  reason TEXT NOT NULL,
+  actor TEXT NOT NULL,
+  outcome TEXT NOT NULL,
+  text TEXT NOT NULL,
+  before TEXT NOT NULL,
+  after TEXT NOT NULL
+) STRICT;
+CREATE INDEX journal_at ON journal (at);
+CREATE INDEX journal_event ON journal (event, id);
 )sql";
 
 }  // namespace controller

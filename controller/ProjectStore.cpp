@@ -12,6 +12,7 @@
 #include "controller/Failure.h"
 #include "controller/Printable.h"
 #include "controller/ProjectSchema.h"
+#include "controller/http/TokenSchema.h"
 
 namespace controller {
 
@@ -85,18 +86,28 @@ ProjectStore::ProjectStore(const std::filesystem::path& file, Use use)
   // it a power cut could take back a change that was reported as saved.
   database_.Text("PRAGMA journal_mode = DELETE");
   database_.Execute("PRAGMA synchronous = EXTRA");
-  if (empty) Create();
+  empty ? Create() : Upgrade();
 }
 
 void ProjectStore::Create() {
   SqliteTransaction transaction(database_);
-  database_.Execute(kProjectSchema);
+  database_.Execute(kProjectSchema1);
+  database_.Execute(kProjectSchema2);
+  database_.Execute(kTokenSchema);
   SqliteStatement insert(database_,
                          "INSERT INTO setting (name, value) VALUES "
                          "('project_id', ?1), ('created', ?2)");
   insert.Bind(1, NewProjectId()).Bind(2, std::to_string(std::time(nullptr))).Step();
   transaction.Commit();
   isNew_ = true;
+}
+
+void ProjectStore::Upgrade() {
+  if (database_.Number("PRAGMA user_version") >= kProjectSchemaVersion) return;
+  SqliteTransaction transaction(database_);
+  database_.Execute(kProjectSchema2);
+  database_.Execute(kTokenSchema);
+  transaction.Commit();
 }
 
 void ProjectStore::Check() {
@@ -115,6 +126,11 @@ void ProjectStore::Check() {
   SqliteStatement(database_, "SELECT driver, xml, saved FROM driver_state").Step();
   SqliteStatement(database_, "SELECT id, driver, xml, saved, reason FROM driver_state_backup")
       .Step();
+  if (version >= 2) {
+    SqliteStatement(database_, "SELECT event, body FROM programming").Step();
+    SqliteStatement(database_, "SELECT event, date, planned, outcome FROM decision").Step();
+    SqliteStatement(database_, "SELECT id, at, kind, after FROM journal").Step();
+  }
   if (!Setting("project_id")) Refuse("is damaged (it has no project_id)");
 }
 

@@ -38,6 +38,9 @@ class ProjectStore {
   /// damaged, or was written by a newer version is refused and stays as it is.
   ProjectStore(const std::filesystem::path& file, Use use);
 
+  /// For those who keep something of their own in the project.
+  SqliteDatabase& Database() { return database_; }
+
   /// Whether this opening has created the project.
   bool IsNew() const { return isNew_; }
   /// What tells this project from all others, made by chance when it was created; 32 hex digits.
@@ -60,6 +63,7 @@ class ProjectStore {
  private:
   void Create();
   void Check();
+  void Upgrade();
   [[noreturn]] void Refuse(const std::string& why);
   void PutAside(std::string_view driver, std::string_view reason);
   void WriteState(std::string_view driver, std::string_view xml);

@@ -7,7 +7,7 @@
 namespace controller {
 
 /// A host that knows the place of the house and ignores everything else. See ScratchAgent.
-class ScratchHost final : public IInstanceManager, public vx::IDriverHost {
+class ScratchHost : public IInstanceManager, public vx::IDriverHost {
  public:
   explicit ScratchHost(const Place& place) : place_(place) {}
 

@@ -95,6 +95,12 @@ SqliteStatement& SqliteStatement::Bind(int index, std::int64_t number) {
   return *this;
 }
 
+SqliteStatement& SqliteStatement::BindNull(int index) {
+  const int code = sqlite3_bind_null(statement_.get(), index);
+  if (code != SQLITE_OK) database_.Fail(code);
+  return *this;
+}
+
 bool SqliteStatement::Step() {
   const int code = sqlite3_step(statement_.get());
   if (code != SQLITE_ROW && code != SQLITE_DONE) database_.Fail(code);
@@ -112,8 +118,13 @@ std::int64_t SqliteStatement::NumberAt(int column) const {
   return sqlite3_column_int64(statement_.get(), column);
 }
 
-SqliteTransaction::SqliteTransaction(SqliteDatabase& database) : database_(database) {
-  database_.Execute("BEGIN IMMEDIATE");
+bool SqliteStatement::IsNullAt(int column) const {
+  return sqlite3_column_type(statement_.get(), column) == SQLITE_NULL;
+}
+
+SqliteTransaction::SqliteTransaction(SqliteDatabase& database)
+    : database_(database), open_(sqlite3_get_autocommit(database.Handle()) != 0) {
+  if (open_) database_.Execute("BEGIN IMMEDIATE");
 }
 
 SqliteTransaction::~SqliteTransaction() {
@@ -122,6 +133,7 @@ SqliteTransaction::~SqliteTransaction() {
 }
 
 void SqliteTransaction::Commit() {
+  if (!open_) return;
   database_.Execute("COMMIT");
   open_ = false;
 }

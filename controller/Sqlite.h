@@ -46,11 +46,13 @@ class SqliteStatement {
 
   SqliteStatement& Bind(int index, std::string_view text);
   SqliteStatement& Bind(int index, std::int64_t number);
+  SqliteStatement& BindNull(int index);
   /// To the next row; false when there is none.
   bool Step();
   /// A column of the present row, counted from 0.
   std::string TextAt(int column) const;
   std::int64_t NumberAt(int column) const;
+  bool IsNullAt(int column) const;
 
  private:
   struct Finalize {
@@ -61,7 +63,8 @@ class SqliteStatement {
   std::unique_ptr<sqlite3_stmt, Finalize> statement_;
 };
 
-/// A write transaction: begun at once, rolled back unless `Commit` has returned.
+/// A write transaction: begun at once, rolled back unless `Commit` has returned. One that is begun
+/// inside another is part of that, and ends with it.
 class SqliteTransaction {
  public:
   explicit SqliteTransaction(SqliteDatabase& database);
@@ -74,7 +77,7 @@ class SqliteTransaction {
 
  private:
   SqliteDatabase& database_;
-  bool open_ = true;
+  bool open_;
 };
 
 }  // namespace controller

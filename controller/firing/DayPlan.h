@@ -32,4 +32,24 @@ struct PlannedOccurrence {
   long long journalRow = 0;
 };
 
+/// The occurrences of one civil day, each event once: what is still to come, and what became of the
+/// rest.
+class DayPlan {
+ public:
+  DayPlan() = default;
+  explicit DayPlan(const DayFields& date) : date_(date) {}
+
+  const DayFields& Date() const { return date_; }
+  /// Null where the event does not occur. Valid until the plan changes.
+  PlannedOccurrence* Find(unsigned long event);
+  void Put(PlannedOccurrence occurrence);
+  void Remove(unsigned long event) { occurrences_.erase(event); }
+  /// In the order in which they are due, those of one moment by id.
+  std::vector<PlannedOccurrence> InOrder() const;
+
+ private:
+  DayFields date_;
+  std::map<unsigned long, PlannedOccurrence> occurrences_;
+};
+
 }  // namespace controller

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <ctime>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "controller/DriverInstance.h"
+#include "controller/firing/DayPlan.h"
+#include "controller/firing/DecisionBook.h"
+#include "controller/firing/EventCatalog.h"
+#include "controller/firing/Gate.h"
+#include "controller/firing/ScheduleTrace.h"
+
+namespace controller {
+
+/// What was decided about an occurrence.
+struct FiringDecision {
+  GateVerdict verdict;
+  unsigned long event = 0;
+  std::string description;
+  DayFields date;
+  std::time_t planned = 0;
+  /// The random part in minutes, where it is known.
+  std::optional<long> drawn;
+  std::time_t at = 0;
+  long lateSeconds = 0;
+  /// Of a missed one: "down", "clock-jump", "past-midnight", "superseded"; else the verdict's.
+  std::string reason;
+};
+
+/// What the firing desk needs of the house. Called outside the drivers' calls.
+class IFiringHouse {
+ public:
+  virtual DriverInstance& Scheduler() = 0;
+  virtual const Programming& ProgrammingOf(unsigned long eventId) const = 0;
+  virtual std::optional<DayFields> AwayUntil() const = 0;
+  /// It is noted in the book. The house records it and, where it runs, acts on it once that is
+  /// safe; a skip that was used up is the house's to take back. Answers the journal's row.
+  virtual long long OnDecision(const FiringDecision& decision) = 0;
+  /// The plan of the day is another.
+  virtual void OnPlanChanged() = 0;
+
+ protected:
+  ~IFiringHouse() = default;
+};
+
+/// Where what the scheduler fires is met with what the house wants: knows what is to happen today,
+/// decides about each firing, and finds out what should have happened and did not. Every occurrence
+/// of the scheduler's list of a day gets one decision.
+class FiringDesk {
+ public:
+  explicit FiringDesk(IFiringHouse& house) : house_(house) {}
+
+  DecisionBook& Book() { return book_; }
+  EventCatalog& Catalog() { return catalog_; }
+  DayPlan& Plan() { return plan_; }
+  const DayPlan& Plan() const { return plan_; }
+
+  /// How far everything that fell due has been decided.
+  std::time_t AccountedUntil() const { return accountedUntil_; }
+
+  /// A scheduler has begun, at `now`. Whatever fell due after `from` was not its to fire; it is
+  /// missed because of `cause`, or caught up. `draws` are the lists of the days of `from` and of
+  /// `now` where they are known; the book must reach back to the day before `from`.
+  void Begin(std::time_t from, std::time_t now, const std::string& cause,
+             const std::vector<ScheduleTrace>& draws);
+
+  /// Inside the driver's calls.
+  void OnFired(unsigned long event) { fired_.push_back(event); }
+  void OnLog(const char* text) { trace_.Read(text); }
+  /// After the driver's timer call: decides about what has fired, and takes up a new day.
+  void OnTick(std::time_t now);
+  /// After a command: one event is new, another, or gone.
+  void OnEventChanged(unsigned long event, std::time_t now);
+
+ private:
+  struct Missed {
+    PlannedOccurrence occurrence;
+    DayFields date;
+    long lateSeconds = 0;
+  };
+
+  struct Circumstances {
+    bool superseded = false;
+    bool dropped = false;
+  };
+
+  PlannedOccurrence Occurrence(const EventElement& event, std::time_t planned) const;
+  DayPlan PlanOf(const DayFields& day, const ScheduleTrace* draw);
+  void TakeUpDecided(DayPlan& plan, std::time_t now);
+  void FindMissed(DayPlan& plan, std::time_t from, std::time_t now, std::vector<Missed>* missed);
+  void DecideMissed(std::vector<Missed> missed, const std::string& cause, std::time_t now);
+  void DecideFired(unsigned long event, std::time_t now);
+  void CloseDay(std::time_t now);
+  void NewDay(const ScheduleTrace& trace, std::time_t now);
+  bool DecideCarried(std::time_t now);
+  void Decide(PlannedOccurrence& occurrence, const DayFields& date, Circumstances given,
+              const std::string& cause, std::time_t now);
+
+  IFiringHouse& house_;
+  EventCatalog catalog_;
+  DecisionBook book_;
+  DayPlan plan_;
+  ScheduleTraceReader trace_;
+  std::vector<unsigned long> fired_;
+  /// Whose time falls past midnight: the scheduler has dropped them, they are caught up when it
+  /// comes. In the order of their time, which is known.
+  std::vector<Missed> carried_;
+  std::time_t accountedUntil_ = 0;
+};
+
+}  // namespace controller
