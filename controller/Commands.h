@@ -5,10 +5,22 @@
 #include <optional>
 #include <string>
 
-#include "controller/Controller.h"
 #include "controller/Failure.h"
+#include "controller/Place.h"
 
 namespace controller {
+
+/// `vexalink serve`: what was asked for.
+struct ServeOptions {
+  std::filesystem::path project;
+  std::string agent;
+  /// Kept in the project where it is given.
+  std::optional<Place> place;
+  /// A new project starts without events.
+  bool empty = false;
+  /// Start at once, also where the clock is behind the newest row of the journal.
+  bool trustClock = false;
+};
 
 /// `vexalink import`: what was asked for.
 struct ImportOptions {

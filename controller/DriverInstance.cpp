@@ -33,6 +33,11 @@ vx::auto_com<VxXML::INode> DriverInstance::Request(const std::string& name,
   return driver_->UIRequest(message);
 }
 
+bool DriverInstance::Test(const std::string& name, const CommandMessage::Params& params) {
+  const ConditionMessage message(name, params);
+  return driver_->TestCondition(message, nullptr);
+}
+
 std::optional<std::string> DriverInstance::PersistText() {
   const auto state = driver_->GetPersistState(0);
   if (!state) return std::nullopt;

@@ -27,6 +27,8 @@ class DriverInstance {
   /// Null where the driver has no answer.
   vx::auto_com<VxXML::INode> Request(const std::string& name,
                                      const CommandMessage::Params& params = {});
+  /// Whether a condition holds, by the driver's opinion.
+  bool Test(const std::string& name, const CommandMessage::Params& params);
   /// What the driver wants to find again, as XML; nothing where it keeps nothing.
   std::optional<std::string> PersistText();
 

@@ -4,6 +4,9 @@
 #include <filesystem>
 #include <utility>
 
+#include "controller/Failure.h"
+#include "controller/Printable.h"
+
 namespace controller {
 
 std::unique_ptr<DriverLoader> DriverLoader::Open(const std::string& path, std::string* error) {
@@ -43,5 +46,12 @@ DriverLoader::~DriverLoader() { dlclose(library_); }
 IDriver* DriverLoader::Create(IInstanceManager& manager) const { return create_(manager); }
 
 void* DriverLoader::Find(const char* symbol) const { return dlsym(library_, symbol); }
+
+std::unique_ptr<DriverLoader> LoadDriver(const std::string& path) {
+  std::string error;
+  auto loader = DriverLoader::Open(path, &error);
+  if (loader == nullptr) throw Failure(Printable(error));
+  return loader;
+}
 
 }  // namespace controller

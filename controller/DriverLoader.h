@@ -36,4 +36,7 @@ class DriverLoader {
   std::string path_;
 };
 
+/// Loads a driver's library; throws a `Failure`.
+std::unique_ptr<DriverLoader> LoadDriver(const std::string& path);
+
 }  // namespace controller

@@ -3,6 +3,7 @@
 
 #include "controller/Commands.h"
 #include "controller/Files.h"
+#include "controller/ProjectStore.h"
 #include "controller/Printable.h"
 #include "controller/ProjectVariables.h"
 #include "controller/ScheduleSummary.h"

@@ -1,8 +1,12 @@
 #include <ostream>
 
 #include "controller/Commands.h"
+#include "controller/Committer.h"
 #include "controller/Files.h"
+#include "controller/HousePlace.h"
 #include "controller/Printable.h"
+#include "controller/ProjectLock.h"
+#include "controller/ProjectPath.h"
 #include "controller/ProjectVariables.h"
 #include "controller/ScheduleReview.h"
 #include "controller/ScheduleSummary.h"

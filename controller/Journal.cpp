@@ -71,6 +71,9 @@ Conditions ConditionsOf(const JournalQuery& wanted) {
   Conditions conditions;
   if (!wanted.kinds.empty()) conditions.AddAny("kind", wanted.kinds);
   if (wanted.event) conditions.Add("event = ?", static_cast<std::int64_t>(*wanted.event));
+  if (wanted.date) {
+    conditions.Add("date = ?", static_cast<std::int64_t>(DayNumber(*wanted.date)));
+  }
   if (wanted.from) conditions.Add("at >= ?", static_cast<std::int64_t>(*wanted.from));
   if (wanted.to) conditions.Add("at < ?", static_cast<std::int64_t>(*wanted.to));
   if (wanted.before) conditions.Add("id < ?", *wanted.before);

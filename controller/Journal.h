@@ -40,6 +40,8 @@ struct JournalRow {
 struct JournalQuery {
   std::vector<std::string> kinds;
   std::optional<unsigned long> event;
+  /// The civil day of the occurrence.
+  std::optional<DayFields> date;
   std::optional<std::time_t> from;
   /// Exclusive.
   std::optional<std::time_t> to;

@@ -27,6 +27,9 @@ class LiveDriverHost final : public IInstanceManager, public vx::IDriverHost {
 
   /// Sets a variable and tells its listeners. From the loop only.
   void SetVariable(unsigned long device, unsigned long variable, const std::string& value);
+  const std::map<std::pair<unsigned long, unsigned long>, std::string>& Variables() const {
+    return variables_;
+  }
   /// Each timer of each driver expires now, besides its own time. From the loop only.
   void ExpireTimers() { timers_.ExpireAll(); }
   /// Drops what a driver that has gone has left behind. Only the address is looked at.

@@ -74,4 +74,9 @@ void MakeFolderFor(const fs::path& file) {
   }
 }
 
+const std::filesystem::path& PreparedProject(const std::filesystem::path& project) {
+  MakeFolderFor(project);
+  return project;
+}
+
 }  // namespace controller

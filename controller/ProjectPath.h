@@ -18,4 +18,7 @@ std::filesystem::path ResolveProjectPath(const std::string& given);
 /// (mode 0700). Throws a `Failure`.
 void MakeFolderFor(const std::filesystem::path& file);
 
+/// The project's file made ready to be opened: its folder exists afterwards.
+const std::filesystem::path& PreparedProject(const std::filesystem::path& project);
+
 }  // namespace controller

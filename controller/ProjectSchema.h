@@ -69,6 +69,13 @@ CREATE TABLE journal (
 ) STRICT;
 CREATE INDEX journal_at ON journal (at);
 CREATE INDEX journal_event ON journal (event, id);
+-- Events that were deleted, the latest of each id, so that they can be brought back.
+CREATE TABLE deleted_event (
+  event INTEGER PRIMARY KEY,
+  at INTEGER NOT NULL,
+  xml TEXT NOT NULL,
+  programming TEXT NOT NULL  -- JSON
+) STRICT;
 )sql";
 
 }  // namespace controller

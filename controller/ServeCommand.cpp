@@ -75,6 +75,8 @@ void AddServeCommand(CLI::App& app, CommandRun& run) {
   AddAgentOption(*command, line->agent);
   AddPlaceOptions(*command, *line);
   command->add_flag("--empty", line->options.empty, "Start a new project without any events");
+  command->add_flag("--trust-clock", line->options.trustClock,
+                    "Start at once, also where the clock is behind the journal's newest entry");
   command->add_option("--log-level", line->logLevel, "error, warning, info (default) or debug")
       ->type_name("LEVEL");
   command->footer(

@@ -137,7 +137,7 @@ void FiringDesk::DecideMissed(std::vector<Missed> missed, const std::string& cau
     const Missed* latest = last[each.occurrence.event];
     const Programming& programming = house_.ProgrammingOf(each.occurrence.event);
     const bool superseded = latest != &each && IsCaughtUp(programming.catchUp, each.lateSeconds);
-    Decide(each.occurrence, each.date, {superseded, false}, cause, now);
+    Decide(each.occurrence, each.date, {superseded, false, nullptr}, cause, now);
     if (each.date == plan_.Date()) plan_.Put(each.occurrence);
   }
 }
@@ -161,6 +161,7 @@ void FiringDesk::Decide(PlannedOccurrence& occurrence, const DayFields& date, Ci
   decision.at = now;
   decision.lateSeconds = std::max(0L, late);
   decision.reason = *verdict.reason == '\0' ? cause : verdict.reason;
+  if (given.triggers != nullptr) decision.triggers = *given.triggers;
   occurrence.state = verdict.kind == GateVerdict::Kind::kRun    ? OccurrenceState::kFired
                      : verdict.kind == GateVerdict::Kind::kMiss ? OccurrenceState::kMissed
                                                                 : OccurrenceState::kHeld;
@@ -170,8 +171,8 @@ void FiringDesk::Decide(PlannedOccurrence& occurrence, const DayFields& date, Ci
 }
 
 void FiringDesk::OnTick(std::time_t now) {
-  const std::vector<unsigned long> fired = std::exchange(fired_, {});
-  for (const unsigned long event : fired) DecideFired(event, now);
+  const std::vector<Fired> fired = std::exchange(fired_, {});
+  for (const Fired& each : fired) DecideFired(each, now);
   const bool carried = DecideCarried(now);
   const auto trace = trace_.Take();
   if (trace) {
@@ -182,7 +183,14 @@ void FiringDesk::OnTick(std::time_t now) {
   if (trace || carried || !fired.empty()) house_.OnPlanChanged();
 }
 
-void FiringDesk::DecideFired(unsigned long event, std::time_t now) {
+void FiringDesk::OnBoundCall(unsigned long binding, const std::string& command) {
+  if (fired_.empty() || fired_.back().event != binding) return;
+  if (command == "DO_PUSH") fired_.back().triggers.push_back(Trigger::kPush);
+  if (command == "DO_CLICK") fired_.back().triggers.push_back(Trigger::kClick);
+}
+
+void FiringDesk::DecideFired(const Fired& fired, std::time_t now) {
+  const unsigned long event = fired.event;
   PlannedOccurrence* planned = plan_.Find(event);
   if (planned == nullptr) {
     // Another driver has added it.
@@ -204,7 +212,7 @@ void FiringDesk::DecideFired(unsigned long event, std::time_t now) {
         occurrence.planned + 60 * std::clamp(minutes, -occurrence.spread, occurrence.spread);
   }
   const OccurrenceState before = occurrence.state;
-  Decide(occurrence, plan_.Date(), {}, "clock-jump", now);
+  Decide(occurrence, plan_.Date(), {false, false, &fired.triggers}, "clock-jump", now);
   // What was acted on is shown so, also where it came up again and was held back.
   if (before == OccurrenceState::kFired) return;
   plan_.Put(std::move(occurrence));
@@ -217,7 +225,7 @@ bool FiringDesk::DecideCarried(std::time_t now) {
       ++each;
       continue;
     }
-    Decide(each->occurrence, each->date, {false, true}, "past-midnight", now);
+    Decide(each->occurrence, each->date, {false, true, nullptr}, "past-midnight", now);
     each = carried_.erase(each);
     any = true;
   }

@@ -26,6 +26,9 @@ struct FiringDecision {
   std::optional<long> drawn;
   std::time_t at = 0;
   long lateSeconds = 0;
+  /// What has come of the scheduler: the firing itself and the calls on the event's button. An
+  /// occurrence that is caught up has them all.
+  std::vector<Trigger> triggers = {Trigger::kEvent, Trigger::kPush, Trigger::kClick};
   /// Of a missed one: "down", "clock-jump", "past-midnight", "superseded"; else the verdict's.
   std::string reason;
 };
@@ -55,6 +58,8 @@ class FiringDesk {
 
   DecisionBook& Book() { return book_; }
   EventCatalog& Catalog() { return catalog_; }
+  /// The event as it was last read; null where it is not known.
+  const EventElement* KnownEvent(unsigned long event) const { return catalog_.Known(event); }
   DayPlan& Plan() { return plan_; }
   const DayPlan& Plan() const { return plan_; }
 
@@ -68,7 +73,9 @@ class FiringDesk {
              const std::vector<ScheduleTrace>& draws);
 
   /// Inside the driver's calls.
-  void OnFired(unsigned long event) { fired_.push_back(event); }
+  void OnFired(unsigned long event) { fired_.push_back({event, {Trigger::kEvent}}); }
+  /// A call on the button of the event that has fired last.
+  void OnBoundCall(unsigned long binding, const std::string& command);
   void OnLog(const char* text) { trace_.Read(text); }
   /// After the driver's timer call: decides about what has fired, and takes up a new day.
   void OnTick(std::time_t now);
@@ -82,9 +89,15 @@ class FiringDesk {
     long lateSeconds = 0;
   };
 
+  struct Fired {
+    unsigned long event = 0;
+    std::vector<Trigger> triggers;
+  };
   struct Circumstances {
     bool superseded = false;
     bool dropped = false;
+    /// Null: all of them.
+    const std::vector<Trigger>* triggers = nullptr;
   };
 
   PlannedOccurrence Occurrence(const EventElement& event, std::time_t planned) const;
@@ -92,7 +105,7 @@ class FiringDesk {
   void TakeUpDecided(DayPlan& plan, std::time_t now);
   void FindMissed(DayPlan& plan, std::time_t from, std::time_t now, std::vector<Missed>* missed);
   void DecideMissed(std::vector<Missed> missed, const std::string& cause, std::time_t now);
-  void DecideFired(unsigned long event, std::time_t now);
+  void DecideFired(const Fired& fired, std::time_t now);
   void CloseDay(std::time_t now);
   void NewDay(const ScheduleTrace& trace, std::time_t now);
   bool DecideCarried(std::time_t now);
@@ -104,7 +117,7 @@ class FiringDesk {
   DecisionBook book_;
   DayPlan plan_;
   ScheduleTraceReader trace_;
-  std::vector<unsigned long> fired_;
+  std::vector<Fired> fired_;
   /// Whose time falls past midnight: the scheduler has dropped them, they are caught up when it
   /// comes. In the order of their time, which is known.
   std::vector<Missed> carried_;

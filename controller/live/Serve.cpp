@@ -4,6 +4,7 @@
 
 #include "controller/Commands.h"
 #include "controller/Log.h"
+#include "controller/live/Controller.h"
 
 namespace controller {
 
@@ -11,7 +12,7 @@ ExitStatus RunServe(const ServeOptions& options) {
   Log::Info("vexalink " VEXALINK_VERSION ", process " + std::to_string(getpid()));
   try {
     Controller controller(options);
-    return controller.Run();
+    return controller.Run([] {});
   } catch (const Failure& failure) {
     Log::Error(failure.what());
     return failure.Status();

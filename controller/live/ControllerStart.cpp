@@ -1,0 +1,266 @@
+#include <algorithm>
+#include <ctime>
+#include <utility>
+
+#include "controller/Clock.h"
+#include "controller/FirstSchedule.h"
+#include "controller/LocalTimeText.h"
+#include "controller/Log.h"
+#include "controller/Printable.h"
+#include "controller/ProjectPath.h"
+#include "controller/ProjectVariables.h"
+#include "controller/ScheduleReview.h"
+#include "controller/ScheduleSummary.h"
+#include "controller/ServiceNotify.h"
+#include "controller/TimeZone.h"
+#include "controller/firing/DayDraw.h"
+#include "controller/json/ObjectReader.h"
+#include "controller/live/Controller.h"
+
+namespace controller {
+
+namespace {
+
+std::string Unreadable(const std::string& project, const std::string& why, std::size_t backups) {
+  std::string text = "project " + project + ": " + why +
+                     ". Nothing was changed. \"vexalink export\" writes it to a file as it stands; "
+                     "put right, \"vexalink import\" takes it back";
+  if (backups > 0) {
+    text += "; " + CountText(backups, "earlier schedule") +
+            " can be had with \"vexalink export --backup 1\" (the newest) and so on";
+  }
+  return text;
+}
+
+constexpr const char* kAccountedUntil = "accounted_until";
+constexpr long kSecondsPerDay = 86400;
+constexpr std::size_t kInterruptedRows = 1000;
+
+}  // namespace
+
+Controller::Controller(ServeOptions options)
+    : options_(std::move(options)),
+      base_(MakeEventBase()),
+      signals_(base_.get(), [this](int signal) { OnSignal(signal); }),
+      loader_(LoadDriver(options_.agent)),
+      lock_(PreparedProject(options_.project), "serve"),
+      store_(options_.project, ProjectStore::Use::kKeep),
+      queue_(base_.get()),
+      seed_(store_.ProjectId()),
+      host_(base_.get(), seed_, *this),
+      committer_(
+          base_.get(), store_, kSchedulerName, [this] { return scheduler_->PersistText(); },
+          [this](const std::string& why) { OnTrouble(why); }),
+      journal_(store_),
+      programming_(store_),
+      desk_(*this),
+      runner_(new ActionRunner(base_.get(), *this)),
+      clockGuard_(ClockReading::Now()),
+      clockWatch_(base_.get(), [this] { LookAtClock(); }),
+      clockWait_(MakeLoopEvent(base_.get(), -1, 0, OnClockWait, this)),
+      name_(store_.Setting("name").value_or("")),
+      awayUntil_(ReadDay(store_.Setting("away_until").value_or(""))) {
+  Log::Info("project " + Quoted(options_.project.string()) + (store_.IsNew() ? ", new" : ""));
+  committer_.SetStamp([this](ProjectStore& store) { WriteStamp(store); });
+  SetPlace();
+  zone_ = TimeZoneText();
+  Log::Info("time zone " + zone_);
+  Log::Info("agent " + Quoted(loader_->Path()));
+  if (ClockIsSane()) Begin();
+}
+
+bool Controller::ClockIsSane() {
+  if (options_.trustClock) return true;
+  const std::time_t now = std::time(nullptr);
+  const std::time_t newest = Journal::Newest(store_).value_or(0);
+  if (now >= BuildTime() && now >= newest) return true;
+  const std::string problem =
+      now < BuildTime()
+          ? "earlier than " + LocalTimeText(BuildTime()) + ", when this program was built"
+          : "earlier than " + LocalTimeText(newest) + ", when the journal was last written";
+  const std::string text = "the clock says " + LocalTimeText(now) + ", which is " + problem +
+                           "; nothing fires until it is set. If it is right, start with "
+                           "--trust-clock";
+  if (std::exchange(status_, text) != text) ServiceNotify::Status(text);
+  return false;
+}
+
+void Controller::OnClockWait(int, short, void* argument) {
+  auto& self = *static_cast<Controller*>(argument);
+  Guarded(self.base_.get(), [&self] {
+    const bool told = !self.status_.empty();
+    if (self.ClockIsSane()) {
+      self.Begin();
+      self.onStarted_();
+      ServiceNotify::Ready(self.status_);
+      return;
+    }
+    if (!std::exchange(self.clockWaitTold_, told)) Log::Error(self.status_);
+    const timeval second = Milliseconds(1000);
+    event_add(self.clockWait_.get(), &second);
+  });
+}
+
+void Controller::Begin() {
+  clockGuard_.Look(ClockReading::Now());
+  startedAt_ = std::time(nullptr);
+  TellInterrupted();
+  Record(NewRow("controller", "started"));
+  LoadSchedule();
+  TellSchedule();
+}
+
+void Controller::SetPlace() {
+  place_ = FindHousePlace(store_, std::exchange(options_.place, std::nullopt));
+  const std::string line = "place " + PlaceText(place_.place) + ": " + place_.origin;
+  place_.guessed ? Log::Warning(line) : Log::Info(line);
+  host_.SetVariable(kProjectDevice, kLatitudeVariable, DegreesText(place_.place.latitude));
+  host_.SetVariable(kProjectDevice, kLongitudeVariable, DegreesText(place_.place.longitude));
+}
+
+void Controller::LoadSchedule() {
+  const auto stored = store_.State(kSchedulerName);
+  const std::time_t now = std::time(nullptr);
+  if (!stored) {
+    CreateScheduler(std::nullopt, now, "down");
+    if (!options_.empty) AddFirstSchedule();
+    // Now and not when the loop runs: from here on the project is no longer a new one.
+    committer_.SaveNow();
+    return;
+  }
+  try {
+    const auto document = ParseXml(stored->xml, "the saved schedule");
+    EventsOf(*document->GetRoot());
+  } catch (const Failure& failure) {
+    throw Failure(Unreadable(Quoted(options_.project.string()), failure.what(),
+                             store_.Backups(kSchedulerName).size()));
+  }
+  const std::string accounted = store_.Setting(kAccountedUntil).value_or("");
+  const std::time_t from = accounted.empty() ? now : std::strtol(accounted.c_str(), nullptr, 10);
+  const std::time_t earliest = now - Journal::kKeptDays * kSecondsPerDay;
+  CreateScheduler(stored->xml, std::clamp(from, earliest, now), "down");
+  TellDropped(stored->xml);
+}
+
+void Controller::CreateScheduler(const std::optional<std::string>& persisted, std::time_t from,
+                                 const std::string& cause) {
+  const ClockScope sameMoment(std::time(nullptr));
+  const std::time_t now = std::time(nullptr);
+  LoadBook(DaysAfter(LocalDay(std::min(from, now)), -1));
+  std::vector<ScheduleTrace> draws;
+  if (persisted) draws = Draws(*persisted, from, now);
+  scheduler_ = std::make_unique<DriverInstance>(*loader_, host_);
+  seed_.Seed();
+  scheduler_->Initialize(kSchedulerDevice, persisted);
+  desk_.Begin(from, now, cause, draws);
+  FillReasons();
+}
+
+void Controller::LoadBook(const DayFields& from) {
+  if (bookFrom_ && *bookFrom_ <= from) return;
+  // What waits to be saved is in the book only.
+  if (bookFrom_ && committer_.IsPending() && !committer_.SaveNow()) return;
+  desk_.Book().Load(store_, from);
+  bookFrom_ = from;
+}
+
+std::vector<ScheduleTrace> Controller::Draws(const std::string& persisted, std::time_t from,
+                                             std::time_t now) {
+  std::vector<ScheduleTrace> draws;
+  for (const std::time_t moment : {from, now}) {
+    const DayFields day = LocalDay(moment);
+    if (!draws.empty() && draws.back().day == day) continue;
+    draws.push_back(DrawDay(*loader_, place_.place, persisted, moment,
+                            SeedOfDay(store_.ProjectId(), DayNumber(day))));
+  }
+  return draws;
+}
+
+void Controller::FillReasons() {
+  JournalQuery query;
+  query.kinds = {"fired", "held", "missed"};
+  query.date = desk_.Plan().Date();
+  query.limit = static_cast<std::size_t>(Journal::kKeptRows);
+  for (const JournalRow& row : Journal::Read(store_, query)) {
+    PlannedOccurrence* occurrence = desk_.Plan().Find(row.event);
+    if (occurrence == nullptr || occurrence->journalRow != 0) continue;
+    if (row.kind != StateName(occurrence->state) || row.reason == "by-hand") continue;
+    occurrence->reason = row.reason;
+    occurrence->journalRow = row.id;
+  }
+}
+
+void Controller::TellInterrupted() {
+  JournalQuery query;
+  query.kinds = {"controller", "fired", "action"};
+  query.limit = kInterruptedRows;
+  std::map<std::pair<unsigned long, std::time_t>, std::size_t> ended;
+  for (const JournalRow& row : Journal::Read(store_, query)) {
+    if (row.kind == "controller") return;  // that is where the last run began, or ended in order
+    const std::pair key(row.event, row.planned.value_or(0));
+    if (row.kind == "action") {
+      ++ended[key];
+    } else if (row.reason != "by-hand" && ended[key] < programming_.Of(row.event).actions.size()) {
+      JournalRow unknown = NewRow("action", "");
+      unknown.event = row.event;
+      unknown.description = row.description;
+      unknown.date = row.date;
+      unknown.planned = row.planned;
+      unknown.outcome = "unknown";
+      unknown.text = "the controller ended before all of its actions did";
+      Log::Warning(EventName(row.event, row.description) + ": " + unknown.text);
+      Record(std::move(unknown));
+    }
+  }
+}
+
+void Controller::WriteStamp(ProjectStore& store) {
+  if (scheduler_ == nullptr) return;
+  if (!backupReason_.empty()) store.BackUpState(kSchedulerName, backupReason_);
+  store.SaveSettings({{kAccountedUntil, std::to_string(desk_.AccountedUntil())}});
+}
+
+void Controller::DestroyScheduler() {
+  const IDriver* driver = &scheduler_->Driver();
+  scheduler_.reset();
+  host_.Forget(driver);
+}
+
+void Controller::AddFirstSchedule() {
+  for (const EventElement& event : FirstSchedule(time(nullptr))) {
+    AddEvent(event, nullptr, "first start", [](const std::string&) {});
+  }
+  Log::Info("the project starts with a schedule to try things with; --empty starts one without");
+}
+
+void Controller::TellDropped(const std::string& persisted) {
+  const auto document = ParseXml(persisted, "the saved schedule");
+  const VxXML::INode* events = EventsOf(*document->GetRoot());
+  if (events == nullptr) return;
+  std::size_t dropped = 0;
+  for (const ReviewedEvent& event : ReviewLoading(*events)) {
+    if (!event.Has(Finding::Kind::kDropped)) continue;
+    ++dropped;
+    Log::Warning("not loaded: child " + std::to_string(event.position) +
+                 " of the saved schedule, " + EventName(event.eventid, event.description) + ": " +
+                 event.findings[0].text);
+  }
+  if (dropped == 0) return;
+  // The next save will be without them. A start that ends in a crash must not push out older
+  // copies.
+  const auto backups = store_.Backups(kSchedulerName);
+  if (backups.empty() || backups[0].xml != persisted) {
+    store_.BackUpState(kSchedulerName, CountText(dropped, "event") + " not loaded");
+  }
+  Log::Warning(CountText(dropped, "event") +
+               " not loaded; the schedule as it was is kept: \"vexalink export --backup 1\"");
+}
+
+void Controller::TellSchedule() {
+  const ScheduleSummary summary = Summarise(*scheduler_);
+  status_ = CountText(summary.events, "event") + " loaded; " + NextText(summary);
+  Log::Info(CountText(summary.events, "event") + " loaded");
+  Log::Info(NextText(summary));
+}
+
+}  // namespace controller
