@@ -189,21 +189,29 @@ void FiringDesk::OnBoundCall(unsigned long binding, const std::string& command) 
   if (command == "DO_CLICK") fired_.back().triggers.push_back(Trigger::kClick);
 }
 
+std::optional<PlannedOccurrence> FiringDesk::Listed(unsigned long event) {
+  for (const ListedOccurrence& listed : ListDay(house_.Scheduler(), catalog_, plan_.Date())) {
+    if (listed.event != event) continue;
+    const EventElement* element = catalog_.Find(house_.Scheduler(), event);
+    if (element != nullptr) return Occurrence(*element, listed.planned);
+  }
+  return std::nullopt;
+}
+
 void FiringDesk::DecideFired(const Fired& fired, std::time_t now) {
   const unsigned long event = fired.event;
-  PlannedOccurrence* planned = plan_.Find(event);
-  if (planned == nullptr) {
-    // Another driver has added it.
-    OnEventChanged(event, accountedUntil_);
-    planned = plan_.Find(event);
-  }
+  const PlannedOccurrence* planned = plan_.Find(event);
+  const bool wasFired = planned != nullptr && planned->state == OccurrenceState::kFired;
   PlannedOccurrence occurrence;
-  if (planned != nullptr) {
+  occurrence.event = event;
+  occurrence.planned = now;
+  occurrence.due = now;
+  if (planned != nullptr && planned->state == OccurrenceState::kPending) {
     occurrence = *planned;
   } else {
-    occurrence.event = event;
-    occurrence.planned = now;
-    occurrence.due = now;
+    // Another driver has added it, or it was moved after it had its turn.
+    catalog_.Refresh(house_.Scheduler(), event);
+    if (const auto listed = Listed(event)) occurrence = *listed;
   }
   if (!occurrence.due) {
     // Drawn when it came into the schedule: the minute in which it fires tells how.
@@ -211,10 +219,9 @@ void FiringDesk::DecideFired(const Fired& fired, std::time_t now) {
     occurrence.due =
         occurrence.planned + 60 * std::clamp(minutes, -occurrence.spread, occurrence.spread);
   }
-  const OccurrenceState before = occurrence.state;
   Decide(occurrence, plan_.Date(), {false, false, &fired.triggers}, "clock-jump", now);
   // What was acted on is shown so, also where it came up again and was held back.
-  if (before == OccurrenceState::kFired) return;
+  if (wasFired) return;
   plan_.Put(std::move(occurrence));
 }
 
@@ -258,15 +265,9 @@ void FiringDesk::OnEventChanged(unsigned long event, std::time_t now) {
   PlannedOccurrence* before = plan_.Find(event);
   const bool decided = before != nullptr && before->state != OccurrenceState::kPending;
   if (before != nullptr && !decided) plan_.Remove(event);
-  if (element != nullptr) {
-    for (const ListedOccurrence& listed : ListDay(house_.Scheduler(), catalog_, plan_.Date())) {
-      if (listed.event != event) continue;
-      PlannedOccurrence occurrence = Occurrence(*element, listed.planned);
-      const bool comes = listed.planned + 60 * occurrence.spread > now;
-      if (comes && !(decided && before->state == OccurrenceState::kFired)) {
-        plan_.Put(std::move(occurrence));
-      }
-    }
+  if (element != nullptr && !(decided && before->state == OccurrenceState::kFired)) {
+    const auto listed = Listed(event);
+    if (listed && listed->planned + 60 * listed->spread > now) plan_.Put(*listed);
   }
   house_.OnPlanChanged();
 }

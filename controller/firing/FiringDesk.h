@@ -101,6 +101,8 @@ class FiringDesk {
   };
 
   PlannedOccurrence Occurrence(const EventElement& event, std::time_t planned) const;
+  /// Today's occurrence of an event by the scheduler's listing.
+  std::optional<PlannedOccurrence> Listed(unsigned long event);
   DayPlan PlanOf(const DayFields& day, const ScheduleTrace* draw);
   void TakeUpDecided(DayPlan& plan, std::time_t now);
   void FindMissed(DayPlan& plan, std::time_t from, std::time_t now, std::vector<Missed>* missed);

@@ -8,11 +8,11 @@
 
 #include "TempFolder.h"
 #include "controller/Clock.h"
+#include "controller/Committer.h"
 #include "controller/DriverInstance.h"
 #include "controller/EventElement.h"
 #include "controller/LiveDriverHost.h"
 #include "controller/ProjectVariables.h"
-#include "controller/StateSaver.h"
 #include "vexalink_agent_scheduler/vxw/IAgentScheduler.h"
 
 namespace controller {
@@ -36,11 +36,16 @@ class Recorder final : public IHostObserver {
   void OnProgrammingDropped(IDriver&, unsigned long ownerId, int kind) override {
     dropped.emplace_back(ownerId, kind);
   }
+  bool OnTickBegins(IDriver&) override { return true; }
+  void OnTickEnded(IDriver&) override { ++ticks; }
+  void OnDriverLog(IDriver&, unsigned int, const char*) override { ++logged; }
 
   std::vector<std::pair<unsigned long, long>> fired;
   std::vector<std::string> calls;
   std::vector<std::string> shown;
   int invalidated = 0;
+  int ticks = 0;
+  int logged = 0;
   std::vector<std::pair<unsigned long, int>> dropped;
 };
 
@@ -195,7 +200,7 @@ TEST_F(DriversTest, ADescriptionThatXmlCannotHoldDoesNotCostTheSchedule) {
   const TempFolder folder;
   ProjectStore store(folder / "project.db", ProjectStore::Use::kKeep);
   const auto driver = Start();
-  StateSaver saver(
+  Committer saver(
       base.get(), store, kSchedulerName, [&] { return driver->PersistText(); },
       [](const std::string&) {});
   Interface().AddDailyEvent("Porch", 7, 0);

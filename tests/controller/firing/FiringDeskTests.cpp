@@ -1,0 +1,235 @@
+// Once, and not lost: what becomes of the occurrences of a real scheduler.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "DeskHouse.h"
+
+namespace controller {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+constexpr int kSeven = 7 * 60;
+constexpr const char* kNewYork = "EST5EDT,M3.2.0,M11.1.0";
+
+TEST(FiringDesk, LetsFireWhatFallsDue) {
+  DeskHouse house("2024-03-06T06:59:58");
+  house.Daily("Porch", kSeven);
+  EXPECT_THAT(house.States(), ElementsAre("1 pending"));
+  house.RunUntil("2024-03-06T07:00:05");
+  EXPECT_THAT(house.Decided(), ElementsAre("1 fired timer 03-06 07:00"));
+  EXPECT_THAT(house.States(), ElementsAre("1 fired"));
+}
+
+TEST(FiringDesk, BeginsEachDayAnew) {
+  DeskHouse house("2024-03-06T06:59:58");
+  house.Daily("Porch", kSeven);
+  house.RunUntil("2024-03-07T07:00:05");
+  EXPECT_THAT(house.Decided(),
+              ElementsAre("1 fired timer 03-06 07:00", "1 fired timer 03-07 07:00"));
+}
+
+TEST(FiringDesk, KnowsTheRandomPartOfEachDay) {
+  DeskHouse house("2024-03-05T23:59:58");
+  house.Daily("Porch", kSeven, 30);
+  house.RunUntil("2024-03-06T00:00:01");
+  ASSERT_EQ(house.desk.Plan().InOrder().size(), 1u);
+  const PlannedOccurrence planned = house.desk.Plan().InOrder()[0];
+  ASSERT_TRUE(planned.due);
+  const long drawn = (*planned.due - planned.planned) / 60;
+  house.RunUntil("2024-03-06T08:00:00");
+  EXPECT_THAT(house.Decided(),
+              ElementsAre("1 fired timer 03-06 07:00" + std::string(drawn < 0 ? "" : "+") +
+                          std::to_string(drawn)));
+}
+
+TEST(FiringDesk, ARestartDoesNotDrawTheDayAnew) {
+  for (const char* restart :
+       {"2024-03-06T06:00:00", "2024-03-06T07:00:00", "2024-03-06T08:00:00"}) {
+    DeskHouse house("2024-03-05T23:59:58");
+    house.Daily("Porch", kSeven, 59);
+    house.Daily("Gate", kSeven, 59);
+    house.RunUntil(restart);
+    const auto before = house.Decided();
+    house.RestartAt(restart);
+    house.RunUntil("2024-03-06T09:00:00");
+    auto all = house.Decided();
+    all.insert(all.begin(), before.begin(), before.end());
+    EXPECT_EQ(all.size(), 2u) << restart;
+    EXPECT_THAT(all, UnorderedElementsAre(testing::StartsWith("1 fired timer"),
+                                          testing::StartsWith("2 fired timer")));
+  }
+}
+
+TEST(FiringDesk, ActsOnceADay) {
+  DeskHouse house("2024-03-06T06:59:58");
+  const auto porch = house.Daily("Porch", kSeven);
+  house.RunUntil("2024-03-06T07:00:01");
+  house.Decided();
+  house.Move(porch, kSeven + 1);
+  house.RunUntil("2024-03-06T07:02:00");
+  EXPECT_THAT(house.Decided(), ElementsAre("1 held already-acted 03-06 07:01"));
+  EXPECT_THAT(house.States(), ElementsAre("1 fired"));
+}
+
+TEST(FiringDesk, AClockThatIsSetBackBringsNothingTwice) {
+  DeskHouse house("2024-03-06T06:59:58");
+  house.Daily("Porch", kSeven);
+  house.RunUntil("2024-03-06T07:00:01");
+  house.RestartAt("2024-03-06T06:50:00", "clock-jump");
+  house.RunUntil("2024-03-06T07:10:00");
+  EXPECT_THAT(house.Decided(),
+              ElementsAre("1 fired timer 03-06 07:00", "1 held already-acted 03-06 07:00"));
+}
+
+TEST(FiringDesk, TheRepeatedHourBringsNothingTwice) {
+  DeskHouse house("2024-11-02T23:59:58", kNewYork);
+  house.Daily("Porch", 90);
+  house.RunUntil("2024-11-03T04:00:00");
+  EXPECT_THAT(house.Decided(), ElementsAre("1 fired timer 11-03 01:30"));
+  house.RestartAt("2024-11-03T04:00:01");
+  EXPECT_THAT(house.Decided(), IsEmpty());
+}
+
+TEST(FiringDesk, WhatFellDueWhileItWasDownIsCaughtUpOrMissed) {
+  DeskHouse house("2024-03-06T06:00:00");
+  house.Daily("long ago", kSeven);
+  house.Daily("just now", kSeven + 55);
+  house.Daily("never", kSeven + 56);
+  house.Daily("always", kSeven + 1);
+  house.Daily("to come", kSeven + 65);
+  house.programming[3].catchUp.policy = CatchUp::Policy::kIgnore;
+  house.programming[4].catchUp.policy = CatchUp::Policy::kAlways;
+  house.RunUntil("2024-03-06T06:30:00");
+  house.RestartAt("2024-03-06T08:00:00");
+  EXPECT_THAT(house.Decided(),
+              ElementsAre("1 missed down 03-06 07:00", "4 fired caught-up 03-06 07:01",
+                          "2 fired caught-up 03-06 07:55", "3 missed down 03-06 07:56"))
+      << "in the order of their time";
+  house.RestartAt("2024-03-06T08:00:10");
+  EXPECT_THAT(house.Decided(), IsEmpty()) << "told once";
+  house.RunUntil("2024-03-06T09:00:00");
+  EXPECT_THAT(house.Decided(), ElementsAre("5 fired timer 03-06 08:05"));
+}
+
+TEST(FiringDesk, OfSeveralMissedDaysOneIsCaughtUp) {
+  DeskHouse house("2024-03-06T06:00:00");
+  const auto porch = house.Daily("Porch", kSeven);
+  house.programming[porch].catchUp.policy = CatchUp::Policy::kAlways;
+  house.RestartAt("2024-03-09T08:00:00");
+  EXPECT_THAT(house.Decided(),
+              ElementsAre("1 missed superseded 03-06 07:00", "1 missed superseded 03-07 07:00",
+                          "1 missed superseded 03-08 07:00", "1 fired caught-up 03-09 07:00"));
+}
+
+TEST(FiringDesk, WhatTheClockJumpedOverIsJudgedByItsPolicy) {
+  DeskHouse house("2024-03-06T06:59:00");
+  house.Daily("Porch", kSeven);
+  house.Daily("Gate", kSeven + 25);
+  house.TickAt("2024-03-06T07:30:00");
+  EXPECT_THAT(house.Decided(),
+              ElementsAre("1 missed clock-jump 03-06 07:00", "2 fired caught-up 03-06 07:25"));
+}
+
+TEST(FiringDesk, WhatWasMissedByAWrongClockStillComesWhenItIsRight) {
+  DeskHouse house("2024-03-06T06:59:00");
+  house.Daily("Porch", kSeven);
+  house.RestartAt("2024-03-06T20:00:00", "clock-jump");
+  EXPECT_THAT(house.Decided(), ElementsAre("1 missed clock-jump 03-06 07:00"));
+  house.RestartAt("2024-03-06T06:59:30", "clock-jump");
+  EXPECT_THAT(house.States(), ElementsAre("1 pending"));
+  house.RunUntil("2024-03-06T07:00:30");
+  EXPECT_THAT(house.Decided(), ElementsAre("1 fired timer 03-06 07:00"));
+}
+
+TEST(FiringDesk, WhatFallsPastMidnightIsCaughtUpWhenItsTimeComes) {
+  DeskHouse house("2024-03-06T20:00:00");
+  house.Daily("half past midnight", 24 * 60 + 30);
+  house.Daily("not wanted", 24 * 60 + 31);
+  house.Daily("midnight itself", 24 * 60);
+  house.programming[2].catchUp.policy = CatchUp::Policy::kIgnore;
+  house.RunUntil("2024-03-07T00:29:59");
+  EXPECT_THAT(house.Decided(), ElementsAre("3 fired timer 03-06 00:00"));
+  house.RunUntil("2024-03-07T00:40:00");
+  EXPECT_THAT(house.Decided(),
+              ElementsAre("1 fired caught-up 03-06 00:30", "2 missed past-midnight 03-06 00:31"));
+}
+
+TEST(FiringDesk, ARestartAfterMidnightStillKnowsWhatFallsPastIt) {
+  DeskHouse house("2024-03-06T20:00:00");
+  house.Daily("half past midnight", 24 * 60 + 30);
+  house.RunUntil("2024-03-07T00:10:00");
+  house.RestartAt("2024-03-07T00:15:00");
+  EXPECT_THAT(house.Decided(), IsEmpty());
+  house.RunUntil("2024-03-07T00:40:00");
+  EXPECT_THAT(house.Decided(), ElementsAre("1 fired caught-up 03-06 00:30"));
+}
+
+TEST(FiringDesk, HoldsBackAndDoesNotMakeUpForIt) {
+  DeskHouse house("2024-03-06T06:59:58");
+  house.Daily("Porch", kSeven);
+  house.programming[1].enabled = false;
+  house.RunUntil("2024-03-06T07:00:01");
+  house.programming[1].enabled = true;
+  house.RunUntil("2024-03-06T07:10:00");
+  house.RestartAt("2024-03-06T07:10:00");
+  EXPECT_THAT(house.Decided(), ElementsAre("1 held disabled 03-06 07:00"));
+}
+
+TEST(FiringDesk, SkipsOneAndOneOnly) {
+  DeskHouse house("2024-03-06T06:59:58");
+  house.Daily("Porch", kSeven);
+  house.programming[1].skipNext = true;
+  house.RunUntil("2024-03-07T07:00:01");
+  EXPECT_THAT(house.Decided(),
+              ElementsAre("1 held skipped 03-06 07:00", "1 fired timer 03-07 07:00"));
+}
+
+TEST(FiringDesk, AbsenceIsASmallerThingThanADisabledEventAndALargerOneThanASkip) {
+  DeskHouse house("2024-03-06T06:59:58");
+  house.Daily("Porch", kSeven);
+  house.programming[1].skipNext = true;
+  house.away = DayFields{2024, 3, 7};
+  house.RunUntil("2024-03-06T07:00:01");
+  EXPECT_THAT(house.Decided(), ElementsAre("1 held away 03-06 07:00"));
+  EXPECT_TRUE(house.programming[1].skipNext) << "it did nothing anyway";
+}
+
+TEST(FiringDesk, AnEventThatComesTooLateForTodayIsNotMissed) {
+  DeskHouse house("2024-03-06T08:00:00");
+  house.Daily("Porch", kSeven);
+  EXPECT_THAT(house.States(), IsEmpty());
+  house.RunUntil("2024-03-06T08:00:10");
+  house.RestartAt("2024-03-06T08:01:00");
+  EXPECT_THAT(house.Decided(), IsEmpty());
+}
+
+TEST(FiringDesk, WhatIsDeletedIsNotMissed) {
+  DeskHouse house("2024-03-06T06:00:00");
+  const auto porch = house.Daily("Porch", kSeven);
+  house.Delete(porch);
+  EXPECT_THAT(house.States(), IsEmpty());
+  house.RunUntil("2024-03-06T07:10:00");
+  EXPECT_THAT(house.Decided(), IsEmpty());
+}
+
+TEST(FiringDesk, ASunTimeIsInTimeInItsMinute) {
+  DeskHouse house("2024-03-06T12:00:00");
+  EventElement event;
+  event.description = "Dusk";
+  event.offset = static_cast<int>(OffsetBase::kSunset);
+  event.frequency = static_cast<int>(RepeatKind::kDaily);
+  event.rate = 1;
+  event.start = {2024, 3, 1};
+  house.Add(event);
+  house.RunUntil("2024-03-06T19:00:00");
+  const auto decided = house.Decided();
+  ASSERT_EQ(decided.size(), 1u);
+  EXPECT_THAT(decided[0], testing::StartsWith("1 fired timer 03-06 16:5"));
+}
+
+}  // namespace
+}  // namespace controller
