@@ -28,6 +28,9 @@
 
 namespace controller {
 
+/// Who has changed what a new project starts with.
+constexpr const char* kFirstStart = "first start";
+
 /// A running controller: one project, one scheduler, one loop. Everything it owns is given back,
 /// and the schedule is saved, when it ends.
 class Controller final : public House,
@@ -139,6 +142,7 @@ class Controller final : public House,
   void TellSchedule();
   void TellInterrupted();
   void FillReasons();
+  void ReadReasons();
   void LoadBook(const DayFields& from);
   std::vector<ScheduleTrace> Draws(const std::string& persisted, std::time_t from, std::time_t now);
   void OnSignal(int signal);
@@ -175,6 +179,7 @@ class Controller final : public House,
   ProjectStore store_;
   AssertLog asserts_;
   LoopQueue queue_;
+  std::string projectId_;
   DaySeed seed_;
   LiveDriverHost host_;
   std::unique_ptr<DriverInstance> scheduler_;

@@ -115,7 +115,8 @@ void Controller::TellChange(const Notice& notice, const ChangeFacts& facts) {
   row.after = EventText(notice.event);
   const EventElement* event = desk_.KnownEvent(notice.event);
   row.description = event == nullptr ? facts.description : event->description;
-  Log::Info(EventName(row.event, row.description) + ' ' + row.reason + " by " + Quoted(row.actor));
+  Log::Write(row.actor == kFirstStart ? LogLevel::kDebug : LogLevel::kInfo,
+             EventName(row.event, row.description) + ' ' + row.reason + " by " + Quoted(row.actor));
   Record(std::move(row), [this, notice] {
     if (listener_ != nullptr) listener_->OnEventChanged(notice.change, notice.event);
   });

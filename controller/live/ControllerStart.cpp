@@ -46,7 +46,8 @@ Controller::Controller(ServeOptions options)
       lock_(PreparedProject(options_.project), "serve"),
       store_(options_.project, ProjectStore::Use::kKeep),
       queue_(base_.get()),
-      seed_(store_.ProjectId()),
+      projectId_(store_.ProjectId()),
+      seed_(projectId_),
       host_(base_.get(), seed_, *this),
       committer_(
           base_.get(), store_, kSchedulerName, [this] { return scheduler_->PersistText(); },
@@ -170,13 +171,24 @@ std::vector<ScheduleTrace> Controller::Draws(const std::string& persisted, std::
   for (const std::time_t moment : {from, now}) {
     const DayFields day = LocalDay(moment);
     if (!draws.empty() && draws.back().day == day) continue;
-    draws.push_back(DrawDay(*loader_, place_.place, persisted, moment,
-                            SeedOfDay(store_.ProjectId(), DayNumber(day))));
+    draws.push_back(
+        DrawDay(*loader_, place_.place, persisted, moment, SeedOfDay(projectId_, DayNumber(day))));
   }
   return draws;
 }
 
 void Controller::FillReasons() {
+  try {
+    ReadReasons();
+  } catch (const Failure& failure) {
+    // They are only shown; a disk that does not answer now must not keep the scheduler from going
+    // on.
+    Log::Warning(std::string("why some of today's events did not fire is not known: ") +
+                 failure.what());
+  }
+}
+
+void Controller::ReadReasons() {
   JournalQuery query;
   query.kinds = {"fired", "held", "missed"};
   query.date = desk_.Plan().Date();
@@ -228,7 +240,7 @@ void Controller::DestroyScheduler() {
 
 void Controller::AddFirstSchedule() {
   for (const EventElement& event : FirstSchedule(time(nullptr))) {
-    AddEvent(event, nullptr, "first start", [](const std::string&) {});
+    AddEvent(event, nullptr, kFirstStart, [](const std::string&) {});
   }
   Log::Info("the project starts with a schedule to try things with; --empty starts one without");
 }

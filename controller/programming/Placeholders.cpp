@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "controller/LocalTimeText.h"
 #include "controller/Log.h"
 #include "controller/NumberText.h"
 
@@ -164,13 +165,6 @@ Escaping EscapingOfBody(std::string_view contentType) {
   if (type == "application/x-www-form-urlencoded") return Escaping::kPercent;
   if (EndsWith(type, "/xml") || EndsWith(type, "+xml")) return Escaping::kXml;
   return Escaping::kNone;
-}
-
-std::string MomentText(std::time_t moment) {
-  std::string text = LocalTimeText(moment);
-  const std::size_t blank = text.find(' ');
-  if (blank != text.npos) text[blank] = 'T';
-  return text + OffsetText(moment);
 }
 
 }  // namespace controller

@@ -40,7 +40,4 @@ std::map<std::string, std::string> PlaceholderValues(const FiringFacts& facts, T
 /// How values are escaped in a body of this Content-Type; an empty one means JSON.
 Escaping EscapingOfBody(std::string_view contentType);
 
-/// "2026-11-21T16:04:00+01:00", local time.
-std::string MomentText(std::time_t moment);
-
 }  // namespace controller

@@ -10,6 +10,7 @@
 
 #include "TempFolder.h"
 #include "controller/Failure.h"
+#include "controller/ProjectSchema.h"
 #include "controller/ProjectStore.h"
 #include "host/VxXml.h"
 
@@ -142,7 +143,7 @@ TEST(ProjectStore, RefusesANewerFormatAndAnotherProgramsDatabase) {
     const char* statements;
     const char* message;
   } rows[] = {
-      {"PRAGMA user_version = 2", "newer vexalink (format 2, this one reads 1)"},
+      {"PRAGMA user_version = 3", "newer vexalink (format 3, this one reads 2)"},
       {"PRAGMA user_version = 0", "no valid format number"},
       {"PRAGMA user_version = -1", "no valid format number"},
       {"PRAGMA application_id = 7", "another program's database"},
@@ -159,6 +160,30 @@ TEST(ProjectStore, RefusesANewerFormatAndAnotherProgramsDatabase) {
     EXPECT_THAT(Refusal(file), HasSubstr(row.message)) << row.statements;
     EXPECT_EQ(ReadFile(file), before) << row.statements;
   }
+}
+
+TEST(ProjectStore, TakesOverAProjectOfTheFirstFormat) {
+  const TempFolder folder;
+  const fs::path file = folder / "project.db";
+  Sql(file, kProjectSchema1);
+  Sql(file,
+      "INSERT INTO setting (name, value) VALUES ('project_id', 'abc');"
+      "INSERT INTO driver_state (driver, xml, saved) VALUES ('scheduler', '<event_data/>', 1);");
+  const std::string before = ReadFile(file);
+  {
+    ProjectStore look(file, Use::kLook);
+    EXPECT_EQ(look.State("scheduler")->xml, "<event_data/>");
+  }
+  EXPECT_EQ(ReadFile(file), before) << "who only looks changes nothing";
+  {
+    ProjectStore store(file, Use::kKeep);
+    EXPECT_FALSE(store.IsNew());
+    EXPECT_EQ(store.ProjectId(), "abc");
+    EXPECT_EQ(store.State("scheduler")->xml, "<event_data/>");
+    EXPECT_EQ(store.Database().Number("SELECT count(*) FROM journal"), 0);
+  }
+  ProjectStore again(file, Use::kKeep);
+  EXPECT_EQ(again.Database().Number("PRAGMA user_version"), kProjectSchemaVersion);
 }
 
 TEST(ProjectStore, RefusesADamagedProjectAndLeavesItAsItIs) {
