@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <ctime>
 #include <functional>
@@ -16,6 +17,7 @@ namespace controller {
 struct FiringFacts {
   unsigned long eventId = 0;
   std::string description;
+  /// When it was to fire, and when it did.
   std::time_t planned = 0;
   std::time_t actual = 0;
   /// The journal's row of the firing.
@@ -55,7 +57,25 @@ struct RunningAction {
   std::string text;
   /// "delayed", "waiting", "running", "retrying"
   std::string state;
+  /// When it came into this state.
   std::time_t since = 0;
+};
+
+/// How much is done at a time, and how long is waited; another choice than this is for tests.
+struct ActionLimits {
+  std::size_t hooks = 8;
+  std::size_t commands = 4;
+  /// Delayed, waiting for their turn or for another attempt.
+  std::size_t waiting = 1000;
+  /// The pause before the second attempt; each further one is twice as long, up to the longest.
+  long firstPauseMilliseconds = 1000;
+  long longestPauseMilliseconds = 60'000;
+  /// What a server may ask for at most by Retry-After.
+  long longestRetryAfterMilliseconds = 300'000;
+  /// From SIGTERM to SIGKILL.
+  long graceMilliseconds = 2000;
+  /// Whether the end of a process is watched by a pidfd where the system has them, not by asking.
+  bool pidfds = true;
 };
 
 /// Carries out actions, all on the loop and none of them holding it: web hooks with libcurl's multi
@@ -64,8 +84,10 @@ struct RunningAction {
 /// in order, and beyond a thousand waiting ones a new one fails at once, saying so.
 class ActionRunner {
  public:
-  ActionRunner(event_base* base, IActionHouse& house);
-  /// Ends everything: children are killed, what was waiting is reported as cancelled.
+  /// The house must outlive it.
+  ActionRunner(event_base* base, IActionHouse& house, const ActionLimits& limits = {});
+  /// Ends everything: children are killed, what was waiting or under way is reported to the house
+  /// as cancelled. Who waits for a `Try` is not called any more.
   ~ActionRunner();
   ActionRunner(const ActionRunner&) = delete;
   ActionRunner& operator=(const ActionRunner&) = delete;
