@@ -12,6 +12,7 @@
 #include "controller/Failure.h"
 #include "controller/Printable.h"
 #include "controller/ProjectSchema.h"
+#include "controller/http/TokenSchema.h"
 
 namespace controller {
 
@@ -92,6 +93,7 @@ void ProjectStore::Create() {
   SqliteTransaction transaction(database_);
   database_.Execute(kProjectSchema1);
   database_.Execute(kProjectSchema2);
+  database_.Execute(kTokenSchema);
   SqliteStatement insert(database_,
                          "INSERT INTO setting (name, value) VALUES "
                          "('project_id', ?1), ('created', ?2)");
@@ -104,6 +106,7 @@ void ProjectStore::Upgrade() {
   if (database_.Number("PRAGMA user_version") >= kProjectSchemaVersion) return;
   SqliteTransaction transaction(database_);
   database_.Execute(kProjectSchema2);
+  database_.Execute(kTokenSchema);
   transaction.Commit();
 }
 
