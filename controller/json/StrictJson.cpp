@@ -35,12 +35,7 @@ class CountingIterator {
     ++*this;
     return before;
   }
-  friend bool operator==(const CountingIterator& a, const CountingIterator& b) {
-    return a.at_ == b.at_;
-  }
-  friend bool operator!=(const CountingIterator& a, const CountingIterator& b) {
-    return a.at_ != b.at_;
-  }
+  bool operator==(const CountingIterator& other) const { return at_ == other.at_; }
 
  private:
   const char* at_;

@@ -144,7 +144,7 @@ TEST_F(Hooks, ThatHangEndInTimeAndDoNotHoldTheLoop) {
   ASSERT_TRUE(RunUntilEnded(2));
   EXPECT_EQ(Text(house.ended[0].outcome), "timed-out: no answer within 1 s");
   EXPECT_EQ(Text(house.ended[1].outcome), "timed-out: no answer within 1 s");
-  EXPECT_EQ(name_lookup::Slow(), 1) << "the lookup of the name was waited for";
+  EXPECT_GE(name_lookup::Slow(), 1) << "the lookup of the name was waited for";
   EXPECT_GT(ticks, 20);
   EXPECT_EQ(server.Requests().size(), 1u);
 }
