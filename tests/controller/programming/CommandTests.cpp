@@ -8,7 +8,7 @@
 #include <string>
 #include <unistd.h>
 
-#include "controller/programming/Placeholders.h"
+#include "controller/LocalTimeText.h"
 #include "tests/controller/programming/ActionHelp.h"
 
 namespace {
