@@ -12,6 +12,13 @@ enum class ExitStatus : int {
   kFailed = 1,
   /// The command line or a file that was given is wrong.
   kBadInput = 2,
+  // Of the commands that talk to a running controller.
+  kUnreachable = 3,
+  kRefused = 4,
+  /// Or more than one has that name.
+  kNoSuchEvent = 5,
+  /// In effect, and saved as soon as that works.
+  kNotSaved = 6,
 };
 
 /// What stops a command: the message says what is wrong, where, and what to do. Thrown by the

@@ -5,6 +5,7 @@
 #include "controller/CommandLine.h"
 #include "controller/Failure.h"
 #include "controller/Printable.h"
+#include "controller/cli/commands/ClientCommands.h"
 
 namespace controller {
 
@@ -15,6 +16,7 @@ void AddCommands(CLI::App& app, CommandRun& run) {
   AddImportCommand(app, run);
   AddExportCommand(app, run);
   AddPlayCommand(app, run);
+  cli::AddClientCommands(app, run);
 }
 
 int Fail(const char* message, ExitStatus status) {

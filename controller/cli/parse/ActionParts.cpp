@@ -5,11 +5,9 @@
 #include "controller/cli/parse/TextError.h"
 #include "controller/cli/parse/TextParts.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
-
-using nlohmann::ordered_json;
 
 constexpr long kLargestNumber = 4294967295;
 constexpr long kLongestCatchUp = 10080;
@@ -46,7 +44,7 @@ std::pair<std::string, std::string> ParseHeader(const std::string& option,
   return {name, WithoutBlanks(text.substr(colon + 1))};
 }
 
-ordered_json ParseVariable(const std::string& option, const std::string& text) {
+Json ParseVariable(const std::string& option, const std::string& text) {
   const std::size_t equals = text.find('=');
   const std::string name = text.substr(0, equals);
   const std::size_t dot = name.find('.');
@@ -54,9 +52,9 @@ ordered_json ParseVariable(const std::string& option, const std::string& text) {
     throw TextError(option, text, 0, text.size(),
                     "this is no variable and its value; give DEVICE.VARIABLE=VALUE, 1.2001=on");
   }
-  const auto device = ReadWhole(std::string_view(name).substr(0, dot), kLargestNumber);
+  const auto device = ReadNumber(std::string_view(name).substr(0, dot), kLargestNumber);
   if (!device) throw TextError(option, text, 0, dot, "the device is no number; give 1.2001=on");
-  const auto variable = ReadWhole(std::string_view(name).substr(dot + 1), kLargestNumber);
+  const auto variable = ReadNumber(std::string_view(name).substr(dot + 1), kLargestNumber);
   if (!variable) {
     throw TextError(option, text, dot + 1, equals - dot - 1,
                     "the variable is no number; give 1.2001=on");
@@ -64,7 +62,7 @@ ordered_json ParseVariable(const std::string& option, const std::string& text) {
   return {{"device", *device}, {"variable", *variable}, {"value", text.substr(equals + 1)}};
 }
 
-ordered_json ParseCatchUp(const std::string& option, const std::string& text) {
+Json ParseCatchUp(const std::string& option, const std::string& text) {
   const std::string lower = LowerCase(text);
   if (lower == "ignore" || lower == "always") return {{"policy", lower}};
   const auto seconds = ReadDuration(text, kSecondsPerMinute);
@@ -77,10 +75,10 @@ ordered_json ParseCatchUp(const std::string& option, const std::string& text) {
                   "for example, at most 7d");
 }
 
-std::string CatchUpText(const nlohmann::json& catchUp) {
+std::string CatchUpText(const Json& catchUp) {
   const std::string policy = catchUp.value("policy", "?");
   if (policy != "within") return Printable(policy);
   return SecondsText(catchUp.value("minutes", 0L) * kSecondsPerMinute);
 }
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -2,7 +2,7 @@
 
 #include "controller/Printable.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
 
@@ -67,4 +67,4 @@ std::string ComparisonWords(const std::string& comparison, bool list) {
   return Printable(comparison);
 }
 
-}  // namespace controller
+}  // namespace controller::cli

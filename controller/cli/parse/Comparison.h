@@ -4,7 +4,7 @@
 
 #include "controller/cli/parse/TextParts.h"
 
-namespace controller {
+namespace controller::cli {
 
 /// Takes a comparison in one of its spellings: "eq", "=", "is", "not in", "after". Answers the
 /// API's word. Throws a `TextError`.
@@ -13,4 +13,4 @@ std::string TakeComparison(TextParts& parts);
 /// How a comparison reads in a sentence: "is", "is not", "after", ...; `list`: with several values.
 std::string ComparisonWords(const std::string& comparison, bool list);
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -7,11 +7,9 @@
 #include "controller/cli/parse/DurationText.h"
 #include "controller/cli/parse/TextParts.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
-
-using nlohmann::ordered_json;
 
 constexpr long kMostWithin = 1440;
 constexpr const char* kKinds =
@@ -43,8 +41,8 @@ std::string TakeOneOf(TextParts& parts, std::string_view one, std::string_view o
 }
 
 /// Behind "within".
-ordered_json TakeWithin(TextParts& parts) {
-  ordered_json condition = {{"kind", "time"}, {"is", "within"}};
+Json TakeWithin(TextParts& parts) {
+  Json condition = {{"kind", "time"}, {"is", "within"}};
   condition["minutes"] = TakeMinutes(parts);
   condition["side"] = TakeOneOf(parts, "before", "after");
   condition["of"] = TakeOneOf(parts, "sunrise", "sunset");
@@ -52,7 +50,7 @@ ordered_json TakeWithin(TextParts& parts) {
 }
 
 /// What only a time can be; null where it is something else.
-ordered_json TakeTimeOfSun(TextParts& parts) {
+Json TakeTimeOfSun(TextParts& parts) {
   if (parts.Take({"within"})) return TakeWithin(parts);
   for (const char* half : {"day", "night"}) {
     if (parts.Take({"is", half}) || parts.Take({half})) return {{"kind", "time"}, {"is", half}};
@@ -60,8 +58,8 @@ ordered_json TakeTimeOfSun(TextParts& parts) {
   return nullptr;
 }
 
-ordered_json TakeBetween(TextParts& parts, const ConditionKind& kind) {
-  ordered_json condition = {{"kind", kind.name}, {"is", "between"}};
+Json TakeBetween(TextParts& parts, const ConditionKind& kind) {
+  Json condition = {{"kind", kind.name}, {"is", "between"}};
   const std::size_t begin = parts.Peek().begin;
   condition["from"] = TakeConditionValue(parts, kind, ValueUse::kBound);
   if (!parts.Take({"and"}) && !parts.Take({"to"})) {
@@ -74,13 +72,13 @@ ordered_json TakeBetween(TextParts& parts, const ConditionKind& kind) {
   return condition;
 }
 
-ordered_json TakeCompared(TextParts& parts, const ConditionKind& kind) {
-  ordered_json condition = {{"kind", kind.name}, {"is", TakeComparison(parts)}};
+Json TakeCompared(TextParts& parts, const ConditionKind& kind) {
+  Json condition = {{"kind", kind.name}, {"is", TakeComparison(parts)}};
   condition[kind.field] = TakeConditionValues(parts, kind);
   return condition;
 }
 
-ordered_json TakeCondition(TextParts& parts) {
+Json TakeCondition(TextParts& parts) {
   if (parts.Take({"within"})) return TakeWithin(parts);
   if (parts.Take({"leap"})) {
     parts.Take({"year"});
@@ -93,7 +91,7 @@ ordered_json TakeCondition(TextParts& parts) {
                std::string("a condition is missing; ") + kKinds);
   }
   if (kind->name == std::string_view("time")) {
-    const ordered_json condition = TakeTimeOfSun(parts);
+    const Json condition = TakeTimeOfSun(parts);
     if (!condition.is_null()) return condition;
   }
   if (parts.Take({"between"}) || parts.Take({"is", "between"})) return TakeBetween(parts, *kind);
@@ -102,11 +100,11 @@ ordered_json TakeCondition(TextParts& parts) {
 
 }  // namespace
 
-ordered_json ParseCondition(const std::string& what, const std::string& text) {
+Json ParseCondition(const std::string& what, const std::string& text) {
   TextParts parts(what, text);
-  ordered_json condition = TakeCondition(parts);
+  Json condition = TakeCondition(parts);
   parts.ExpectEnd("the condition ends before it; an action has one condition");
   return condition;
 }
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -1,5 +1,6 @@
 #include "controller/cli/parse/ConditionValue.h"
 
+#include <algorithm>
 #include <array>
 
 #include "controller/Printable.h"
@@ -7,11 +8,10 @@
 #include "controller/cli/parse/WeekdayText.h"
 #include "controller/json/ObjectReader.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
 
-using nlohmann::ordered_json;
 using Value = ConditionKind::Value;
 
 constexpr std::array<ConditionKind, 6> kConditionKinds = {{
@@ -27,7 +27,7 @@ constexpr std::array<std::string_view, 12> kMonths = {
     "january", "february", "march",     "april",   "may",      "june",
     "july",    "august",   "september", "october", "november", "december"};
 
-ordered_json TakeTime(TextParts& parts, ValueUse use) {
+Json TakeTime(TextParts& parts, ValueUse use) {
   TextPart part = parts.Next();
   const std::string& half = parts.Peek().text;  // "7:30 pm"
   if (half == "am" || half == "pm") part.text += parts.Next().text;
@@ -42,9 +42,9 @@ ordered_json TakeTime(TextParts& parts, ValueUse use) {
   return TimeOfDayText(*minutes);
 }
 
-ordered_json TakeNumber(TextParts& parts, const ConditionKind& kind) {
+Json TakeNumber(TextParts& parts, const ConditionKind& kind) {
   const TextPart part = parts.Next();
-  const auto number = ReadWhole(part.text, kind.most);
+  const auto number = ReadNumber(part.text, kind.most);
   if (number && *number >= kind.least) return *number;
   const std::string right =
       "; give " + std::to_string(kind.least) + " to " + std::to_string(kind.most);
@@ -52,25 +52,25 @@ ordered_json TakeNumber(TextParts& parts, const ConditionKind& kind) {
              std::string("a ") + kind.name + " is missing" + right);
 }
 
-ordered_json TakeMonth(TextParts& parts) {
+Json TakeMonth(TextParts& parts) {
   const TextPart part = parts.Next();
   for (std::size_t month = 0; month < kMonths.size(); ++month) {
     if (part.text.size() >= 3 && kMonths[month].starts_with(part.text)) return month + 1;
   }
-  if (const auto number = ReadWhole(part.text, 12); number && *number > 0) return *number;
+  if (const auto number = ReadNumber(part.text, 12); number && *number > 0) return *number;
   parts.Fail(part, "is no month; give 1 to 12 or jan to dec",
              "a month is missing; give 1 to 12 or jan to dec");
 }
 
-ordered_json TakeDate(TextParts& parts) {
+Json TakeDate(TextParts& parts) {
   const TextPart part = parts.Next();
   if (ReadDay(part.text)) return part.text;
   parts.Fail(part, "is no date; give one like 2026-12-24",
              "a date is missing; give one like 2026-12-24");
 }
 
-ordered_json TakeList(TextParts& parts, const ConditionKind& kind) {
-  ordered_json list = ordered_json::array();
+Json TakeList(TextParts& parts, const ConditionKind& kind) {
+  Json list = Json::array();
   if (kind.value == Value::kWeekday) {
     for (const int day : TakeWeekdays(parts)) {
       list.push_back(kWeekdays[static_cast<std::size_t>(day)]);
@@ -78,7 +78,8 @@ ordered_json TakeList(TextParts& parts, const ConditionKind& kind) {
     return list;
   }
   do {
-    list.push_back(TakeConditionValue(parts, kind, ValueUse::kCompared));
+    Json value = TakeConditionValue(parts, kind, ValueUse::kCompared);
+    if (std::find(list.begin(), list.end(), value) == list.end()) list.push_back(std::move(value));
   } while (TakeSeparator(parts) || !parts.AtEnd());
   return list;
 }
@@ -92,7 +93,7 @@ const ConditionKind* FindConditionKind(std::string_view name) {
   return nullptr;
 }
 
-ordered_json TakeConditionValue(TextParts& parts, const ConditionKind& kind, ValueUse use) {
+Json TakeConditionValue(TextParts& parts, const ConditionKind& kind, ValueUse use) {
   switch (kind.value) {
     case Value::kTime:
       return TakeTime(parts, use);
@@ -107,16 +108,16 @@ ordered_json TakeConditionValue(TextParts& parts, const ConditionKind& kind, Val
   }
 }
 
-ordered_json TakeConditionValues(TextParts& parts, const ConditionKind& kind) {
+Json TakeConditionValues(TextParts& parts, const ConditionKind& kind) {
   if (kind.list) return TakeList(parts, kind);
   return TakeConditionValue(parts, kind, ValueUse::kCompared);
 }
 
-void CheckBounds(const TextParts& parts, const ConditionKind& kind, const ordered_json& condition,
+void CheckBounds(const TextParts& parts, const ConditionKind& kind, const Json& condition,
                  std::size_t begin, std::size_t length) {
   const auto place = [&](const char* field) {
     if (kind.value != Value::kWeekday) return condition[field];
-    return ordered_json(*ReadWeekday(condition[field].get<std::string>()));
+    return Json(*ReadWeekday(condition[field].get<std::string>()));
   };
   if (kind.value == Value::kTime || kind.value == Value::kMonth) return;
   if (place("from") <= place("to")) return;
@@ -127,4 +128,4 @@ void CheckBounds(const TextParts& parts, const ConditionKind& kind, const ordere
                    : "nothing is between these; give the earlier one first");
 }
 
-}  // namespace controller
+}  // namespace controller::cli

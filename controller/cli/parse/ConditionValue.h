@@ -1,12 +1,12 @@
 #pragma once
 
 #include <cstddef>
-#include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "controller/cli/Json.h"
 #include "controller/cli/parse/TextParts.h"
 
-namespace controller {
+namespace controller::cli {
 
 /// A kind of condition that compares something with values.
 struct ConditionKind {
@@ -30,15 +30,14 @@ const ConditionKind* FindConditionKind(std::string_view name);
 enum class ValueUse { kBound, kCompared };
 
 /// Takes one value of a kind, as the API writes it. Throws a `TextError`.
-nlohmann::ordered_json TakeConditionValue(TextParts& parts, const ConditionKind& kind,
-                                          ValueUse use);
+Json TakeConditionValue(TextParts& parts, const ConditionKind& kind, ValueUse use);
 
 /// What the kind's field holds: one value, or a list of them with commas, blanks or "and" between.
-nlohmann::ordered_json TakeConditionValues(TextParts& parts, const ConditionKind& kind);
+Json TakeConditionValues(TextParts& parts, const ConditionKind& kind);
 
 /// Throws where the ends of a "between" are in an order in which nothing would ever lie between
 /// them; they stand in these bytes of the text.
-void CheckBounds(const TextParts& parts, const ConditionKind& kind,
-                 const nlohmann::ordered_json& condition, std::size_t begin, std::size_t length);
+void CheckBounds(const TextParts& parts, const ConditionKind& kind, const Json& condition,
+                 std::size_t begin, std::size_t length);
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -4,21 +4,19 @@
 #include "controller/cli/parse/ConditionValue.h"
 #include "controller/cli/parse/DurationText.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
 
-using nlohmann::json;
-
-std::string ValueText(const json& value) {
+std::string ValueText(const Json& value) {
   if (value.is_string()) return Printable(value.get<std::string>());
   if (!value.is_array()) return value.dump();
   std::string text;
-  for (const json& one : value) text += (text.empty() ? "" : ",") + ValueText(one);
+  for (const Json& one : value) text += (text.empty() ? "" : ",") + ValueText(one);
   return text;
 }
 
-std::string TimeWords(const json& condition, const std::string& is) {
+std::string TimeWords(const Json& condition, const std::string& is) {
   if (is != "within") return "time is " + is;
   const long minutes = condition.at("minutes").get<long>();
   return "within " + MinutesText(minutes) + (minutes < 60 ? " minutes " : " ") +
@@ -27,7 +25,7 @@ std::string TimeWords(const json& condition, const std::string& is) {
 
 }  // namespace
 
-std::string ConditionWords(const json& condition) {
+std::string ConditionWords(const Json& condition) {
   const std::string name = condition.at("kind").get<std::string>();
   if (name == "leap") return "leap";
   const std::string is = condition.at("is").get<std::string>();
@@ -38,9 +36,9 @@ std::string ConditionWords(const json& condition) {
   if (is == "within" || is == "day" || is == "night") return TimeWords(condition, is);
   const ConditionKind* kind = FindConditionKind(name);
   if (kind == nullptr) return Printable(condition.dump());
-  const json& value = condition.at(kind->field);
+  const Json& value = condition.at(kind->field);
   const bool list = value.is_array() && value.size() > 1;
   return name + ' ' + ComparisonWords(is, list) + ' ' + ValueText(value);
 }
 
-}  // namespace controller
+}  // namespace controller::cli

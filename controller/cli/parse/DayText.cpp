@@ -9,7 +9,7 @@
 #include "controller/cli/parse/TextParts.h"
 #include "controller/json/ObjectReader.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
 
@@ -50,4 +50,4 @@ std::string WeekdayOf(const std::string& day) {
   return civil ? kNames[std::chrono::weekday(*civil).c_encoding()] : "";
 }
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-namespace controller {
+namespace controller::cli {
 
 /// Answers the date that it is in the house now, "2026-11-21".
 using HouseToday = std::function<std::string()>;
@@ -18,4 +18,4 @@ std::string DaysLater(const std::string& day, long days);
 /// "Mon" .. "Sun"; of a text that is no day the empty text.
 std::string WeekdayOf(const std::string& day);
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -6,7 +6,7 @@
 #include "controller/cli/parse/TextError.h"
 #include "controller/cli/parse/TextParts.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
 
@@ -57,8 +57,8 @@ bool IsLetter(char c) { return c >= 'a' && c <= 'z'; }
 /// "1:30"
 std::optional<long> ReadHoursAndMinutes(std::string_view text) {
   const std::size_t colon = text.find(':');
-  const auto hours = ReadWhole(text.substr(0, colon), kLongest / kSecondsPerHour);
-  const auto minutes = ReadWhole(text.substr(colon + 1), 59);
+  const auto hours = ReadNumber(text.substr(0, colon), kLongest / kSecondsPerHour);
+  const auto minutes = ReadNumber(text.substr(colon + 1), 59);
   if (!hours || !minutes || text.size() - colon != 3) return std::nullopt;
   return *hours * kSecondsPerHour + *minutes * kSecondsPerMinute;
 }
@@ -73,7 +73,7 @@ std::optional<long> ReadDuration(std::string_view text, long bareUnit) {
   long total = 0;
   long last = 0;  // the unit before; 0: none yet
   for (std::size_t position = 0; position < lower.size() || last == 0;) {
-    const auto number = ReadWhole(TakeWhile(lower, position, IsDigit), kLongest);
+    const auto number = ReadNumber(TakeWhile(lower, position, IsDigit), kLongest);
     const std::string_view name = TakeWhile(lower, position, IsLetter);
     long unit = UnitNamed(name);
     if (name.empty() && position == lower.size()) unit = last == 0 ? bareUnit : UnitBelow(last);
@@ -120,4 +120,4 @@ long ParseDuration(const std::string& option, const std::string& text, long unit
   return units;
 }
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace controller {
+namespace controller::cli {
 
 constexpr long kSecondsPerMinute = 60;
 constexpr long kSecondsPerHour = 3600;
@@ -27,4 +27,4 @@ std::string SecondsText(long seconds);
 long ParseDuration(const std::string& option, const std::string& text, long unit, long least,
                    long most);
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -6,12 +6,9 @@
 #include "controller/Printable.h"
 #include "controller/cli/parse/WeekdayText.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
-
-using nlohmann::json;
-using nlohmann::ordered_json;
 
 constexpr long kMostUnits = 1000000;
 constexpr const char* kRight =
@@ -43,21 +40,21 @@ long TakeCount(TextParts& parts) {
   const std::string& text = parts.Peek().text;
   if (text.empty() || text[0] < '0' || text[0] > '9') return 1;
   const TextPart part = parts.Next();
-  const auto count = ReadWhole(part.text, kMostUnits);
+  const auto count = ReadNumber(part.text, kMostUnits);
   if (!count || *count == 0) {
     parts.Fail(part, "is no number of units; give 1 to 1000000", "");
   }
   return *count;
 }
 
-ordered_json DayNames(const std::vector<int>& days) {
-  ordered_json names = ordered_json::array();
+Json DayNames(const std::vector<int>& days) {
+  Json names = Json::array();
   for (const int day : days) names.push_back(kWeekdays[static_cast<std::size_t>(day)]);
   return names;
 }
 
 /// "1st".."4th", "first".."fourth" or "last" of the month.
-ordered_json TakeWeekOfMonth(TextParts& parts) {
+Json TakeWeekOfMonth(TextParts& parts) {
   constexpr std::array<std::array<std::string_view, 2>, 4> kWords = {
       {{"1st", "first"}, {"2nd", "second"}, {"3rd", "third"}, {"4th", "fourth"}}};
   const TextPart part = parts.Next();
@@ -71,14 +68,14 @@ ordered_json TakeWeekOfMonth(TextParts& parts) {
              "which day is missing; give the 2nd tue, the last fri or the like");
 }
 
-ordered_json TakeNth(TextParts& parts) {
+Json TakeNth(TextParts& parts) {
   parts.Take({"the"});
-  ordered_json nth = {{"week", TakeWeekOfMonth(parts)}};
+  Json nth = {{"week", TakeWeekOfMonth(parts)}};
   nth["weekday"] = kWeekdays[static_cast<std::size_t>(TakeWeekday(parts))];
   return nth;
 }
 
-ordered_json TakeUnit(TextParts& parts, long count) {
+Json TakeUnit(TextParts& parts, long count) {
   const TextPart part = parts.Peek();
   // "weekday", "mon,fri": which days says which unit.
   const bool days = part.text.starts_with("weekday") || part.text.starts_with("weekend") ||
@@ -95,7 +92,7 @@ ordered_json TakeUnit(TextParts& parts, long count) {
                std::string("a unit is missing; ") + kRight);
   }
   parts.Next();
-  ordered_json repeat = {{"unit", unit}, {"every", count}};
+  Json repeat = {{"unit", unit}, {"every", count}};
   const bool on = parts.Take({"on"});
   if (unit == std::string("week")) {
     if (!on) {
@@ -112,16 +109,16 @@ ordered_json TakeUnit(TextParts& parts, long count) {
   return repeat;
 }
 
-std::string Days(const json& on) {
+std::string Days(const Json& on) {
   std::string text;
-  for (const json& day : on) text += (text.empty() ? "" : ",") + Printable(day.get<std::string>());
+  for (const Json& day : on) text += (text.empty() ? "" : ",") + Printable(day.get<std::string>());
   if (text == "mon,tue,wed,thu,fri") return "weekdays";
   return text == "sun,sat" || text == "sat,sun" ? "weekend" : text;
 }
 
-std::string NthText(const json& nth) {
+std::string NthText(const Json& nth) {
   constexpr std::array<const char*, 5> kWords = {"?", "1st", "2nd", "3rd", "4th"};
-  const json& week = nth.at("week");
+  const Json& week = nth.at("week");
   const std::string weekday = Printable(nth.at("weekday").get<std::string>());
   if (week.is_string()) return "the " + Printable(week.get<std::string>()) + ' ' + weekday;
   const std::size_t number = week.get<std::size_t>();
@@ -130,7 +127,7 @@ std::string NthText(const json& nth) {
 
 }  // namespace
 
-ordered_json ParseEvery(const std::string& option, const std::string& text) {
+Json ParseEvery(const std::string& option, const std::string& text) {
   TextParts parts(option, text);
   parts.Take({"every"});
   if (parts.Take({"once"})) {
@@ -138,12 +135,12 @@ ordered_json ParseEvery(const std::string& option, const std::string& text) {
     return nullptr;
   }
   const long count = TakeCount(parts);
-  ordered_json repeat = TakeUnit(parts, count);
+  Json repeat = TakeUnit(parts, count);
   parts.ExpectEnd(repeat.contains("nth") ? "it ends with the weekday" : kRight);
   return repeat;
 }
 
-std::string EveryText(const json& repeat) {
+std::string EveryText(const Json& repeat) {
   if (repeat.is_null()) return "once";
   const std::string unit = Printable(repeat.at("unit").get<std::string>());
   const long every = repeat.value("every", 1L);
@@ -157,4 +154,4 @@ std::string EveryText(const json& repeat) {
   return text;
 }
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -7,7 +7,7 @@
 #include "controller/Printable.h"
 #include "controller/cli/parse/TextError.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
 
@@ -141,4 +141,4 @@ std::string ShellQuoted(const std::vector<std::string>& words) {
   return line;
 }
 
-}  // namespace controller
+}  // namespace controller::cli

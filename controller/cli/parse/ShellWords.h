@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace controller {
+namespace controller::cli {
 
 /// A command line, in the words that a shell would make of it.
 struct ShellWords {
@@ -23,4 +23,4 @@ ShellWords SplitShellWords(const std::string& option, const std::string& text);
 std::string ShellQuoted(const std::string& word);
 std::string ShellQuoted(const std::vector<std::string>& words);
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -5,7 +5,7 @@
 #include "controller/Printable.h"
 #include "controller/cli/show/DisplayWidth.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
 
@@ -37,4 +37,4 @@ TextError::TextError(const std::string& what, std::string_view text, std::size_t
     : Failure(what + ' ' + Quoted(text) + ": " + problem, ExitStatus::kBadInput),
       picture_(MakePicture(text, begin, length)) {}
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -6,7 +6,7 @@
 
 #include "controller/Failure.h"
 
-namespace controller {
+namespace controller::cli {
 
 /// What is wrong with one part of a text that was given on the command line. The message quotes the
 /// text: `--every "2 weeks on mom": "mom" is no day of the week; give sun, mon, ...`.
@@ -24,4 +24,4 @@ class TextError : public Failure {
   std::string picture_;
 };
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -6,7 +6,7 @@
 #include "controller/Printable.h"
 #include "controller/cli/parse/TextError.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
 
@@ -84,7 +84,7 @@ std::string LowerCase(std::string_view text) {
   return lower;
 }
 
-std::optional<long> ReadWhole(std::string_view digits, long most) {
+std::optional<long> ReadNumber(std::string_view digits, long most) {
   if (digits.empty()) return std::nullopt;
   long number = 0;
   for (const char c : digits) {
@@ -95,4 +95,4 @@ std::optional<long> ReadWhole(std::string_view digits, long most) {
   return number;
 }
 
-}  // namespace controller
+}  // namespace controller::cli

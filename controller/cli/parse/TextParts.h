@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace controller {
+namespace controller::cli {
 
 /// One part of a text: a word, or a comma.
 struct TextPart {
@@ -53,6 +53,6 @@ class TextParts {
 std::string LowerCase(std::string_view text);
 
 /// A whole number written with digits only, at most `most`, which is below 10^17.
-std::optional<long> ReadWhole(std::string_view digits, long most);
+std::optional<long> ReadNumber(std::string_view digits, long most);
 
-}  // namespace controller
+}  // namespace controller::cli

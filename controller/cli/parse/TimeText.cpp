@@ -7,12 +7,9 @@
 #include "controller/cli/parse/DurationText.h"
 #include "controller/cli/parse/TextParts.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
-
-using nlohmann::json;
-using nlohmann::ordered_json;
 
 constexpr const char* kRight =
     "give a time of day (07:30, 7:30pm, noon), sunrise, sunset, or sunset-1h30 and its like";
@@ -96,7 +93,7 @@ void CheckRange(const TextParts& parts, const AtPieces& pieces, const Base& base
                    (clock ? "24h before and 48h after midnight" : "24h"));
 }
 
-ordered_json Time(const char* base, long minutes) { return {{"base", base}, {"minutes", minutes}}; }
+Json Time(const char* base, long minutes) { return {{"base", base}, {"minutes", minutes}}; }
 
 }  // namespace
 
@@ -118,10 +115,10 @@ std::optional<int> ReadTimeOfDay(std::string_view text) {
   if (colon == std::string::npos && !halves) return std::nullopt;
   if (colon != std::string::npos && rest.size() - colon != 3) return std::nullopt;
   if (rest.substr(0, colon).size() > 2) return std::nullopt;
-  auto hour = ReadWhole(std::string_view(rest).substr(0, colon), 23);
+  auto hour = ReadNumber(std::string_view(rest).substr(0, colon), 23);
   const auto minute = colon == std::string::npos
                           ? std::optional<long>(0)
-                          : ReadWhole(std::string_view(rest).substr(colon + 1), 59);
+                          : ReadNumber(std::string_view(rest).substr(colon + 1), 59);
   if (hour && halves) hour = FullHour(*hour, afternoon);
   if (!hour || !minute) return std::nullopt;
   return static_cast<int>(*hour * 60 + *minute);
@@ -134,7 +131,7 @@ std::string TimeOfDayText(long minutes) {
   return text.data();
 }
 
-ordered_json ParseAt(const std::string& option, const std::string& text) {
+Json ParseAt(const std::string& option, const std::string& text) {
   const TextParts parts(option, text);
   const AtPieces pieces = Cut(text);
   if (pieces.word.empty()) {
@@ -158,7 +155,7 @@ ordered_json ParseAt(const std::string& option, const std::string& text) {
   return Time("clock", *minutes);
 }
 
-std::string AtText(const json& time) {
+std::string AtText(const Json& time) {
   const std::string base = time.value("base", "?");
   const long minutes = time.value("minutes", 0L);
   if (base == "clock" && minutes >= 0 && minutes < kMinutesPerDay) return TimeOfDayText(minutes);
@@ -167,4 +164,4 @@ std::string AtText(const json& time) {
   return word + (minutes < 0 ? '-' : '+') + MinutesText(minutes < 0 ? -minutes : minutes);
 }
 
-}  // namespace controller
+}  // namespace controller::cli

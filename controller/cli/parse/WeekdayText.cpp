@@ -1,6 +1,6 @@
 #include "controller/cli/parse/WeekdayText.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
 
@@ -73,4 +73,4 @@ bool TakeSeparator(TextParts& parts) {
   return parts.Take({"and"}) || comma;
 }
 
-}  // namespace controller
+}  // namespace controller::cli

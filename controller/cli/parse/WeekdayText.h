@@ -8,7 +8,7 @@
 
 #include "controller/cli/parse/TextParts.h"
 
-namespace controller {
+namespace controller::cli {
 
 /// As the API writes them; 0 is Sunday.
 constexpr std::array<const char*, 7> kWeekdays = {"sun", "mon", "tue", "wed", "thu", "fri", "sat"};
@@ -26,4 +26,4 @@ std::vector<int> TakeWeekdays(TextParts& parts);
 /// Takes the comma or "and" between two parts of a list, if there is one.
 bool TakeSeparator(TextParts& parts);
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -6,7 +6,7 @@
 
 #include "controller/Utf8.h"
 
-namespace controller {
+namespace controller::cli {
 
 namespace {
 
@@ -75,4 +75,4 @@ std::string PadToWidth(std::string_view text, std::size_t columns) {
   return padded;
 }
 
-}  // namespace controller
+}  // namespace controller::cli

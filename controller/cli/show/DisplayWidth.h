@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace controller {
+namespace controller::cli {
 
 /// How many columns a printable text (see `Printable`) takes on a terminal: 2 for a wide character
 /// of East Asia or an emoji, 0 for one that combines with the character before it.
@@ -17,4 +17,4 @@ std::string CutToWidth(std::string_view text, std::size_t columns);
 /// Blanks behind the text up to `columns`; a wider text stays as it is.
 std::string PadToWidth(std::string_view text, std::size_t columns);
 
-}  // namespace controller
+}  // namespace controller::cli

@@ -15,7 +15,7 @@ using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using namespace controller;
+using namespace controller::cli;
 
 TEST(ShellWords, AreWhatAShellWouldPassOn) {
   using Words = std::vector<std::string>;

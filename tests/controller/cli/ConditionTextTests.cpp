@@ -8,8 +8,8 @@
 
 namespace {
 
-using controller::ConditionWords;
-using controller::ParseCondition;
+using controller::cli::ConditionWords;
+using controller::cli::ParseCondition;
 using nlohmann::json;
 using testing::HasSubstr;
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-using namespace controller;
+using namespace controller::cli;
 
 TEST(DisplayWidth, CountsColumnsNotBytes) {
   const struct {

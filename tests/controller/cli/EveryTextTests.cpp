@@ -8,8 +8,8 @@
 
 namespace {
 
-using controller::EveryText;
-using controller::ParseEvery;
+using controller::cli::EveryText;
+using controller::cli::ParseEvery;
 using nlohmann::json;
 using testing::HasSubstr;
 

@@ -19,7 +19,7 @@ struct Refusal {
 inline Refusal RefusalOf(const std::function<void()>& parse) {
   try {
     parse();
-  } catch (const controller::TextError& error) {
+  } catch (const controller::cli::TextError& error) {
     const std::string& picture = error.Picture();
     const std::size_t end = picture.find('\n');
     const std::string line = picture.substr(2, end - 2);

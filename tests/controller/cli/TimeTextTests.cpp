@@ -8,9 +8,9 @@
 
 namespace {
 
-using controller::AtText;
-using controller::ParseAt;
-using controller::ReadTimeOfDay;
+using controller::cli::AtText;
+using controller::cli::ParseAt;
+using controller::cli::ReadTimeOfDay;
 using nlohmann::json;
 using testing::HasSubstr;
 

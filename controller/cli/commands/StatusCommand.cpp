@@ -1,0 +1,88 @@
+#include <CLI/CLI.hpp>
+
+#include "controller/Printable.h"
+#include "controller/cli/commands/ClientCommands.h"
+#include "controller/cli/commands/Session.h"
+#include "controller/cli/show/Fields.h"
+#include "controller/cli/show/MomentText.h"
+
+namespace controller::cli {
+
+namespace {
+
+std::string NextText(const Json& next) {
+  if (next.is_null()) return "nothing, no event comes again";
+  return MomentText(next.value("time", "")) + "  event " + next.at("event").dump() + ' ' +
+         Quoted(next.value("description", ""));
+}
+
+/// "12 fired (10 timer, 2 by-hand)"
+std::string CountText(const Json& counts, const std::string& name) {
+  if (!counts.contains(name) || !counts[name].is_object()) return {};
+  std::size_t total = 0;
+  std::string parts;
+  for (const auto& [reason, count] : counts[name].items()) {
+    total += count.get<std::size_t>();
+    parts += (parts.empty() ? "" : ", ") + count.dump() + ' ' + reason;
+  }
+  return std::to_string(total) + ' ' + name + (parts.empty() ? "" : " (" + parts + ')');
+}
+
+void AddCounts(Fields& fields, const Json& counts) {
+  for (const char* name : {"fired", "held", "missed", "actions"}) {
+    const std::string text = CountText(counts, name);
+    if (!text.empty()) fields.Add(name == std::string("fired") ? "since then" : "", text);
+  }
+}
+
+void AddSaving(Fields& fields, const Json& saving) {
+  const bool works = saving.value("ok", false);
+  fields.Add("saving", works ? "works" : "fails: " + saving.value("why", ""),
+             works ? Style::kGood : Style::kBad);
+}
+
+std::string ClockText(const Json& clock) {
+  return std::to_string(clock.value("jumps", 0L)) + " jumps, " +
+         std::to_string(clock.value("zone_changes", 0L)) + " changes of the zone";
+}
+
+void Write(const Session& session, const Json& project, const Json& status) {
+  Fields fields;
+  fields.Add("controller", session.api.Http().Address() + ", version " +
+                               status.value("version", project.value("version", "?")));
+  fields.Add("project", project.value("name", ""));
+  fields.Add("now", ExactMomentText(status.at("now").get<std::string>()) + ' ' +
+                        status.at("timezone").value("name", ""));
+  fields.Add("events", status.at("events").dump());
+  fields.Add("next", NextText(status.at("next")));
+  if (!status.at("away_until").is_null()) {
+    fields.Add("away", "until " + LongDayText(status["away_until"].get<std::string>()),
+               Style::kWarning);
+  }
+  AddSaving(fields, status.at("saving"));
+  fields.Add("clock", ClockText(status.at("clock")));
+  fields.Add("started", ExactMomentText(status.value("started", "")));
+  AddCounts(fields, status.at("counts"));
+  fields.Write(session.terminal);
+}
+
+int Status(Session& session) {
+  const Json status = session.api.Get("/status");
+  if (session.json) {
+    session.WriteJson(status);
+    return 0;
+  }
+  Write(session, session.api.Get("/project"), status);
+  return 0;
+}
+
+}  // namespace
+
+void AddStatusCommand(CLI::App& app, CommandRun& run) {
+  const auto options = std::make_shared<ClientOptions>();
+  CLI::App* command =
+      AddClientCommand(app, run, "status", "Tell how a running controller is", options, Status);
+  command->footer(ClientExitStatuses());
+}
+
+}  // namespace controller::cli
