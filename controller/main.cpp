@@ -6,6 +6,8 @@
 #include "controller/Failure.h"
 #include "controller/Printable.h"
 #include "controller/cli/commands/ClientCommands.h"
+#include "controller/cli/pages/HelpFormatter.h"
+#include "controller/cli/pages/PagesCommands.h"
 
 namespace controller {
 
@@ -17,6 +19,7 @@ void AddCommands(CLI::App& app, CommandRun& run) {
   AddExportCommand(app, run);
   AddPlayCommand(app, run);
   cli::AddClientCommands(app, run);
+  cli::AddPagesCommands(app, run);
 }
 
 int Fail(const char* message, ExitStatus status) {
@@ -26,6 +29,7 @@ int Fail(const char* message, ExitStatus status) {
 
 int Main(int argc, char** argv) {
   CLI::App app("vexalink, a home-automation scheduler", "vexalink");
+  app.formatter(std::make_shared<cli::HelpFormatter>(cli::HelpWidth()));
   app.set_version_flag("--version", "vexalink " VEXALINK_VERSION, "Tell the version");
   app.require_subcommand(0, 1);
   app.footer(kExitStatuses);
