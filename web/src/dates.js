@@ -13,7 +13,7 @@ export function dayMs(day) {
   const parts = /^(\d{4})-(\d\d)-(\d\d)$/.exec(day ?? '');
   if (!parts) return NaN;
   const ms = Date.UTC(+parts[1], +parts[2] - 1, +parts[3]);
-  return new Date(ms).getUTCDate() === +parts[3] ? ms : NaN;
+  return dayOf(ms) === day ? ms : NaN;
 }
 
 export const isDay = (day) => !Number.isNaN(dayMs(day));

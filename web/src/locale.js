@@ -139,7 +139,7 @@ export function timeText(minutes) {
 
 /** "a, b and c" */
 export function listText(items, type = 'conjunction') {
-  return new Intl.ListFormat(language(), {type}).format(items);
+  return new Intl.ListFormat(locale(), {type}).format(items);
 }
 
 /** A number with the language's point. */

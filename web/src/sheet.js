@@ -47,7 +47,7 @@ export function deedsOf(event) {
 }
 
 /**
- * Shows event `id`; `occurrence` {date, minutes} is the one that was pointed at, and `move` asks where
+ * Shows event `id`; `occurrence` {day, minutes} is the one that was pointed at, and `move` asks where
  * to put it.
  */
 export async function showEvent(id, {occurrence, move} = {}) {
@@ -61,7 +61,7 @@ export async function showEvent(id, {occurrence, move} = {}) {
     return [
       h('p', {class: 'lead'}, icon(baseIcon(event.time?.base)), ' ', sentence(event, house.date())),
       occurrence && h('p', null, t('sheet.this', {
-        date: longDate(occurrence.date), time: timeText(occurrence.minutes)})),
+        date: longDate(occurrence.day), time: timeText(occurrence.minutes)})),
       h('p', null, event.next ? t('sheet.next', {when: momentText(event.next)}) : t('sheet.never')),
       holds && h('p', {class: 'held'}, icon('held'), ' ', holds),
       h('div', {class: 'row'},

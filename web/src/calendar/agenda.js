@@ -30,11 +30,11 @@ function section(day, occurrences, {suns, open}) {
 }
 
 function row(occurrence, open) {
-  const {event, description, date, base, minutes} = occurrence;
+  const {event, description, day, base, minutes} = occurrence;
   const state = stateOf(occurrence);
   return h('li', {class: `occurrence ${state ?? ''}`},
     h('time', null, timeText(minutes)), icon(baseIcon(base)),
-    h('div', {class: 'what'}, h('button', {type: 'button', class: 'link', 'data-key': `${date}-${event}`,
+    h('div', {class: 'what'}, h('button', {type: 'button', class: 'link', 'data-key': `${day}-${event}`,
       onclick: () => open(occurrence)}, description)),
     state && h('span', {class: `state ${state}`}, icon(state), h('span', null, t(`state.${state}`))));
 }

@@ -1,7 +1,7 @@
 // Asks what moving an occurrence is to mean, and does it.
 
 import * as api from '../api.js';
-import {readClock, isDay} from '../dates.js';
+import {addDays, daysBetween, isDay, readClock} from '../dates.js';
 import {replaceEvent, timeToSend} from '../deeds.js';
 import {freshId, h, replace} from '../dom.js';
 import {house} from '../house.js';
@@ -14,13 +14,18 @@ import {sentence} from '../sentence.js';
 export async function askMove(occurrence, target) {
   const event = house.events.get(occurrence.event);
   if (!event || event.odd) return;
-  const from = {date: occurrence.date, minutes: occurrence.minutes};
   // Nothing to ask: it comes once, and by the clock.
-  if (target && !event.repeat && (event.time.base === 'clock' || from.minutes === target.minutes)) {
-    return apply(event, moved(event, from, target, 'start'));
+  if (target && !event.repeat && (event.time.base === 'clock' || occurrence.minutes === target.minutes)) {
+    return apply(event, afterMove(event, occurrence, target, 'start'));
   }
-  const after = await dialog(t('move.title', event), (close) => form(event, from, target, close));
+  const after = await dialog(t('move.title', event), (close) => form(event, occurrence, target, close));
   if (after) await apply(event, after);
+}
+
+/** Where it happens and the day by which its rule counts may be a day apart; they stay so. */
+function afterMove(event, occurrence, target, how, byClock) {
+  const apart = daysBetween(occurrence.day, occurrence.date);
+  return moved(event, occurrence, {date: addDays(target.date, apart), minutes: target.minutes}, how, byClock);
 }
 
 async function apply(event, after) {
@@ -29,19 +34,19 @@ async function apply(event, after) {
 }
 
 function form(event, from, target, close) {
-  const date = h('input', {type: 'date', value: target?.date ?? from.date, required: true});
+  const date = h('input', {type: 'date', value: target?.date ?? from.day, required: true});
   const time = h('input', {value: timeText((target ?? from).minutes), size: 9, required: true,
     autocomplete: 'off'});
   const how = radios('how', [['every', t('move.every')], ['start', t('move.start')]]);
-  const by = radios('by', [['sun', t(`move.by.${event.time.base}`)], ['clock', t('move.byClock')]]);
   const follows = event.time.base !== 'clock';
+  const by = follows && radios('by', [['sun', t(`move.by.${event.time.base}`)], ['clock', t('move.byClock')]]);
   const result = h('div', {class: 'preview', 'aria-live': 'polite'});
   const save = h('button', {class: 'primary', 'data-key': 'save'}, t('move.do'));
 
   const chosen = () => {
     const minutes = readClock(time.value);
     if (!isDay(date.value) || minutes === null) return null;
-    return moved(event, from, {date: date.value, minutes}, event.repeat ? how.value() : 'start',
+    return afterMove(event, from, {date: date.value, minutes}, event.repeat ? how.value() : 'start',
       follows && by.value() === 'clock');
   };
   let asked = null;
@@ -68,7 +73,7 @@ function form(event, from, target, close) {
     const after = chosen();
     if (after) close(after);
   }, oninput: preview},
-  h('p', null, t('move.from', {date: longDate(from.date), time: timeText(from.minutes)})),
+  h('p', null, t('move.from', {date: longDate(from.day), time: timeText(from.minutes)})),
   h('div', {class: 'row'}, h('label', null, t('move.to'), ' ', date), h('label', null, t('move.at'), ' ', time)),
   event.repeat && how.group(t('move.what')),
   follows && by.group(t('move.time')),

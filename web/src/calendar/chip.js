@@ -1,34 +1,34 @@
 // One occurrence as it stands in a calendar, and what there is to say about a day.
 
-import {addDays} from '../dates.js';
+import {addDays, clockText} from '../dates.js';
 import {h, icon} from '../dom.js';
 import {house} from '../house.js';
 import {t, timeText} from '../locale.js';
 import {baseIcon} from '../sheet.js';
 
 /** What became of an occurrence, or what keeps it from acting: a name of a state, or null. */
-export function stateOf({event, date}) {
+export function stateOf({event, date, day}) {
   if (date === house.today.date) {
     const known = house.today.occurrences.find((one) => one.event === event);
     if (known && known.state !== 'pending') return known.state;
   }
-  if (date < house.date()) return null;
+  if (day < house.date()) return null;
   return house.heldOn(date, event) ? 'held' : null;
 }
 
 /** A button that opens its event and can be dragged. */
 export function chip(occurrence, open) {
-  const {event, description, date, base, minutes} = occurrence;
+  const {event, description, day, base, minutes} = occurrence;
   const state = stateOf(occurrence);
-  const past = date < house.date() ? ' past' : '';
+  const past = day < house.date() ? ' past' : '';
   const odd = house.events.get(event)?.odd;
   const element = h('button', {
     type: 'button', class: `chip ${baseIcon(base)}${state ? ` ${state}` : ''}${past}`,
-    'data-key': `${date}-${event}`, title: `${timeText(minutes)} ${description}`,
+    'data-key': `${day}-${event}`, title: `${timeText(minutes)} ${description}`,
     'data-drag': odd ? null : '', onclick: () => open(occurrence),
   },
   icon(baseIcon(base)),
-  h('time', {datetime: `${date}T${String(Math.floor(minutes / 60)).padStart(2, '0')}:${String(minutes % 60).padStart(2, '0')}`},
+  h('time', {datetime: `${day}T${clockText(minutes)}`},
     timeText(minutes)),
   h('span', {class: 'name'}, description),
   base !== 'clock' && h('span', {class: 'unseen'}, t(`chip.${base}`)),

@@ -91,8 +91,8 @@ export function dragging(stage, dropped) {
         click.stopPropagation();
         click.preventDefault();
       }, {capture: true, once: true, signal: AbortSignal.timeout(50)});
-      const {date, minutes} = chip.occurrence;
-      if (target && (target.date !== date || target.minutes !== minutes)) {
+      const {day, minutes} = chip.occurrence;
+      if (target && (target.date !== day || target.minutes !== minutes)) {
         dropped(chip.occurrence, {date: target.date, minutes: target.minutes});
       }
     },

@@ -134,12 +134,16 @@ export function calendar(root, {params}) {
   };
 }
 
-/** A map of each day to its occurrences in the order of their times. */
+/**
+ * A map of each day to its occurrences in the order of their times. `date` is the day by which the
+ * rule counts, `day` that on which it happens: minutes may lead over midnight.
+ */
 function byDay(from, to, list) {
   const days = new Map();
   for (let day = from; day <= to; day = addDays(day, 1)) days.set(day, []);
   for (const {event, description, date, time, base} of list) {
-    days.get(date)?.push({event, description, date, base, minutes: wall(time).minutes});
+    const {day, minutes} = wall(time);
+    days.get(day ?? date)?.push({event, description, date, day: day ?? date, base, minutes});
   }
   for (const occurrences of days.values()) {
     occurrences.sort((a, b) => a.minutes - b.minutes || a.event - b.event);

@@ -195,9 +195,12 @@ export function eventForm(draft, {id, onSave, onChange, saveLabel}) {
       warnings.length > 0 && h('ul', {class: 'warnings'}, warnings.map(({code, text: said}) =>
         h('li', null, icon('warning'), ' ', hasText(`warning.${code}`) ? t(`warning.${code}`) : said))),
       occurrences.length > 0
-        ? h('ol', {class: 'occurrences'}, occurrences.map(({date, time}) => h('li', null,
-          h('span', null, shortDate(date), yearOf(date) !== thisYear ? ` ${yearOf(date)}` : ''),
-          h('time', null, timeText(wall(time).minutes)))))
+        ? h('ol', {class: 'occurrences'}, occurrences.map(({date, time}) => {
+          const {day, minutes} = wall(time);
+          const on = day ?? date;
+          return h('li', null, h('span', null, shortDate(on), yearOf(on) !== thisYear ? ` ${yearOf(on)}` : ''),
+            h('time', null, timeText(minutes)));
+        }))
         : h('p', {class: 'muted'}, t('form.noOccurrences')));
   }
 

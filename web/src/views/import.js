@@ -22,8 +22,8 @@ export function importCard(done) {
   }
 
   function drawReview(text, answer) {
-    const {kept = 0, changed = 0, dropped = 0} = answer;
-    const findings = [...answer.whole ?? [], ...(answer.events ?? []).filter(({findings: of}) => of?.length)];
+    const {kept, changed, dropped} = answer;
+    const findings = [...answer.whole, ...answer.findings];
     const bring = async (force) => {
       try {
         await api.post(`/project/import${force ? '?force=1' : ''}`, text, XML);
@@ -49,9 +49,9 @@ export function importCard(done) {
     field(t('import.file'), file), review)};
 }
 
-function finding(one) {
-  if (typeof one === 'string') return h('li', null, icon('warning'), ' ', one);
-  const texts = one.findings ? one.findings.map((each) => each.text ?? each) : [one.text];
-  const name = one.description ? `“${one.description}”: ` : one.position ? `${t('import.position', {n: one.position})}: ` : '';
-  return h('li', null, icon('warning'), ' ', name, texts.join('; '));
+/** Something about the schedule itself, or what there is to say about one of its events. */
+function finding({text, position, description, findings}) {
+  const name = description ? `“${description}”` : t('import.position', {n: position});
+  const said = findings ? `${name}: ${findings.map((one) => one.text).join('; ')}` : text;
+  return h('li', null, icon('warning'), ' ', said);
 }

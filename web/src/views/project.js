@@ -156,17 +156,17 @@ function exportCard() {
 function backupCard() {
   const list = h('ul', {class: 'backups'});
   const restore = async (backup) => {
-    if (!await confirmed(t('backup.title'), t('backup.text', {when: momentText(backup.at)}), t('backup.restore'))) return;
+    if (!await confirmed(t('backup.title'), t('backup.text', {when: momentText(backup.saved)}), t('backup.restore'))) return;
     await api.post(`/project/backups/${backup.number}/restore`);
     notice(t('backup.restored'));
     await read();
   };
   const save = async (backup) => {
     const response = await api.send('GET', `/project/backups/${backup.number}`);
-    download(await response.text(), fileName(`backup-${backup.at.slice(0, 10)}`));
+    download(await response.text(), fileName(`backup-${backup.saved.slice(0, 10)}`));
   };
-  const row = (backup) => h('li', null, h('span', null, momentText(backup.at),
-    backup.events != null && h('small', null, t('backup.events', {n: backup.events}))),
+  const row = (backup) => h('li', null, h('span', null, momentText(backup.saved),
+    h('small', null, [backup.reason, t('backup.size', {n: numberText(backup.bytes / 1000, 1)})].filter(Boolean).join(', '))),
   button(t('backup.download'), () => save(backup).catch(failed), {kind: 'small'}),
   button(t('backup.restore'), () => restore(backup).catch(failed), {kind: 'small', 'data-key': `restore-${backup.number}`}));
 

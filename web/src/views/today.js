@@ -33,7 +33,7 @@ export function today(root) {
     const from = addDays(house.date(), 1);
     const {occurrences} = await api.get(`/occurrences${api.query({
       from, to: addDays(from, SOON_DAYS - 1), limit: 1000})}`);
-    occurrences.sort((a, b) => `${a.date}${a.time}`.localeCompare(`${b.date}${b.time}`));
+    occurrences.sort((a, b) => Date.parse(a.time) - Date.parse(b.time));
     replace(soon, occurrences.slice(0, SOON_ROWS).map(soonRow),
       occurrences.length === 0 && h('li', {class: 'empty'}, t('today.noneSoon')));
   };
@@ -140,11 +140,12 @@ function stateText({state, reason}) {
 }
 
 function soonRow({event: id, description, date, time, base}) {
+  const {day = date, minutes} = wall(time);
   return h('li', {class: 'occurrence'},
-    h('time', {datetime: `${date}T${time}`}, `${shortDate(date)} ${timeText(wall(time).minutes)}`),
+    h('time', {datetime: time}, `${shortDate(day)} ${timeText(minutes)}`),
     icon(baseIcon(base)),
     h('div', {class: 'what'}, h('button', {type: 'button', class: 'link', 'data-key': `soon-${id}-${date}`,
-      onclick: () => showEvent(id, {occurrence: {date, minutes: wall(time).minutes}})}, description)));
+      onclick: () => showEvent(id, {occurrence: {day, minutes}})}, description)));
 }
 
 /** The day from midnight to midnight: light by the sun, now, and what occurs. */
