@@ -35,13 +35,19 @@ void ScratchAgent::Renew() {
 }
 
 ScratchAgent::Answer ScratchAgent::Offer(const VxXML::INode& event) {
+  Answer answer = Keep(event);
+  agent_->Command("DELETE_EVENT", {{"EVENT_ID", std::to_string(event.GetUnsigned("eventid"))}});
+  answer.assertions.assign(assertions_.begin(), assertions_.end());
+  return answer;
+}
+
+ScratchAgent::Answer ScratchAgent::Keep(const VxXML::INode& event) {
   assertions_.clear();
-  const std::string id = std::to_string(event.GetUnsigned("eventid"));
   // Modifying is what takes an element with the id that it brings, as loading does.
   agent_->Command("MODIFY_EVENT", {{"EVENT_XML", event.ToString()}});
   Answer answer;
-  answer.stored = agent_->Request("GET_EVENT", {{"EVENT_ID", id}});
-  agent_->Command("DELETE_EVENT", {{"EVENT_ID", id}});
+  answer.stored =
+      agent_->Request("GET_EVENT", {{"EVENT_ID", std::to_string(event.GetUnsigned("eventid"))}});
   answer.assertions.assign(assertions_.begin(), assertions_.end());
   return answer;
 }

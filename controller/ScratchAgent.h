@@ -33,6 +33,10 @@ class ScratchAgent final : private vx::IAssertSink {
   };
   /// Offers one element, alone; nothing of it stays behind.
   Answer Offer(const VxXML::INode& event);
+  /// The same, but the event stays, for what `Scheduler` is then asked.
+  Answer Keep(const VxXML::INode& event);
+  /// For requests.
+  DriverInstance& Scheduler() { return *agent_; }
 
   /// What the scheduler would persist after starting with `persisted`, which must parse.
   std::string StateAfterLoading(const std::string& persisted);

@@ -1,0 +1,14 @@
+#include "controller/api/Api.h"
+#include "controller/api/ApiContext.h"
+
+namespace controller {
+
+void AddOpenApiRoutes(Routes& routes) {
+  AddRoute(routes, "GET", "/openapi.json", Role::kView, BodyKind::kNone,
+           [](const HttpRequest& request, const Respond& respond) {
+             NoQuery(request);
+             respond(JsonAnswer(std::string(OpenApiText())));
+           });
+}
+
+}  // namespace controller
