@@ -188,9 +188,9 @@ std::string HookClient::Call::ErrorText(CURLcode code) const {
     return "no answer within " + std::to_string(request_.timeoutMilliseconds / 1000) + " s";
   }
   std::string text = error_[0] != '\0' ? error_.data() : curl_.easy_strerror(code);
-  if (!text.empty() && text[0] >= 'A' && text[0] <= 'Z') {
-    text[0] = static_cast<char>(text[0] - 'A' + 'a');
-  }
+  // A word of a sentence begins small; "SSL" stays.
+  const bool isWord = text.size() > 1 && text[1] >= 'a' && text[1] <= 'z';
+  if (isWord && text[0] >= 'A' && text[0] <= 'Z') text[0] = static_cast<char>(text[0] - 'A' + 'a');
   return Printable(text, 300);
 }
 
