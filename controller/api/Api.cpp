@@ -1,5 +1,6 @@
 #include "controller/api/Api.h"
 
+#include "controller/api/AgendaPage.h"
 #include "controller/api/ApiContext.h"
 #include "controller/api/JsonText.h"
 #include "controller/programming/ProgrammingJson.h"
@@ -17,6 +18,7 @@ std::vector<HttpRoute> Api::Routes() const {
     add(routes, context_);
   }
   AddOpenApiRoutes(routes);
+  AddAgendaPage(routes, context_);
   return routes;
 }
 
