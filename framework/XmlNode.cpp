@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
-#include <unordered_map>
 
 #include "framework/NodePool.h"
 #include "framework/XmlText.h"
@@ -13,33 +12,6 @@ namespace vx {
 namespace {
 
 constexpr std::string_view kWhiteSpace = " \t\r\n";
-
-// All names in use, by text. Never destroyed: nodes may outlive static objects.
-class NamePool {
- public:
-  static NamePool& Instance() {
-    static NamePool* const pool = new NamePool;
-    return *pool;
-  }
-
-  XmlName* Take(std::string_view text) {
-    auto found = names_.find(text);
-    if (found == names_.end()) {
-      auto name = std::make_unique<XmlName>(XmlName{std::string(text), 0});
-      const std::string_view key = name->text;
-      found = names_.emplace(key, std::move(name)).first;
-    }
-    ++found->second->references;
-    return found->second.get();
-  }
-
-  void Return(XmlName* name) {
-    if (--name->references == 0) names_.erase(std::string_view(name->text));
-  }
-
- private:
-  std::unordered_map<std::string_view, std::unique_ptr<XmlName>> names_;
-};
 
 template <typename T>
 std::string_view Decimal(T value, char (&buffer)[24]) {
@@ -84,39 +56,80 @@ void XmlNode::operator delete(void* node) { Nodes().Return(node); }
 #endif
 
 XmlNode::XmlNode(std::string_view name, std::string_view text)
-    : name_(NamePool::Instance().Take(name)), inline_{} {
-  SetText(text);
+    : references_(1), content_(0), name_(NamePool::Take(name)), inline_{} {
+  SetOnlyText(text);
 }
 
 XmlNode::~XmlNode() {
-  SetText({});
-  NamePool::Instance().Return(name_);
+  DropContent();
+  NamePool::Return(name_);
+}
+
+// Frees what the node holds beside itself; it has no content then.
+void XmlNode::DropContent() {
+  if (content_ == kLongText) delete[] long_.begin;
+  if (content_ == kRich) delete rich_;
+  content_ = 0;
+}
+
+// For a node that has no children or attributes.
+void XmlNode::SetOnlyText(std::string_view text) {
+  if (text.size() <= kInlineSize) {
+    DropContent();
+    std::copy(text.begin(), text.end(), inline_);
+    content_ = static_cast<std::uint32_t>(text.size()) & kContentMask;
+    return;
+  }
+  char* const copy = new char[text.size()];
+  std::memcpy(copy, text.data(), text.size());
+  DropContent();
+  long_ = {copy, text.size()};
+  content_ = kLongText;
 }
 
 void XmlNode::SetText(std::string_view text) {
-  char* const copy = text.size() > kInlineSize ? new char[text.size()] : nullptr;
-  if (copy != nullptr) std::memcpy(copy, text.data(), text.size());
-  if (!IsInline()) delete[] heap_;
-  if (copy != nullptr) {
-    heap_ = copy;
-  } else {
-    std::copy(text.begin(), text.end(), inline_);
-  }
-  size_ = static_cast<std::uint32_t>(text.size());
+  if (content_ < kChildren) return SetOnlyText(text);
+  if (content_ == kRich || !text.empty()) MakeRich().text = text;
+}
+
+XmlNode::Rich& XmlNode::MakeRich() {
+  if (content_ == kRich) return *rich_;
+  auto* const rich = new Rich{std::string(Text()), {}, LastChild()};
+  DropContent();
+  rich_ = rich;
+  content_ = kRich;
+  return *rich;
 }
 
 void XmlNode::SetAttributes(Attributes attributes) {
-  attributes_ = attributes.empty() ? nullptr : std::make_unique<Attributes>(std::move(attributes));
+  if (content_ == kRich || !attributes.empty()) MakeRich().attributes = std::move(attributes);
+}
+
+void XmlNode::SetLastChild(XmlNode* last) {
+  if (content_ == 0 || content_ == kChildren) {
+    last_ = last;
+    content_ = last == nullptr ? 0 : kChildren;
+  } else {
+    MakeRich().last = last;
+  }
 }
 
 // Takes the children off and chains those that nobody else holds to `doomed`.
 void XmlNode::DropChildren(XmlNode** doomed) {
-  while (XmlNode* child = FirstChild()) {
-    Unlink(*child);
+  XmlNode* const last = LastChild();
+  if (last == nullptr) return;
+  SetLastChild(nullptr);
+  XmlNode* next = last->next_;
+  XmlNode* child = nullptr;
+  do {
+    child = next;
+    next = child->next_;
+    child->parent_ = nullptr;
+    child->next_ = nullptr;
     if (--child->references_ != 0) continue;
     child->next_ = *doomed;
     *doomed = child;
-  }
+  } while (child != last);
 }
 
 void XmlNode::Release() {
@@ -132,21 +145,19 @@ void XmlNode::Release() {
 }
 
 void XmlNode::Link(XmlNode& child) {
+  XmlNode* const last = LastChild();
+  SetLastChild(&child);
   child.parent_ = this;
-  child.next_ = last_ == nullptr ? &child : last_->next_;
-  if (last_ != nullptr) last_->next_ = &child;
-  last_ = &child;
+  child.next_ = last == nullptr ? &child : last->next_;
+  if (last != nullptr) last->next_ = &child;
 }
 
 void XmlNode::Unlink(XmlNode& child) {
-  XmlNode* before = last_;
+  XmlNode* const last = LastChild();
+  XmlNode* before = last;
   while (before->next_ != &child) before = before->next_;
-  if (before == &child) {
-    last_ = nullptr;
-  } else {
-    before->next_ = child.next_;
-    if (last_ == &child) last_ = before;
-  }
+  before->next_ = child.next_;
+  if (last == &child) SetLastChild(before == &child ? nullptr : before);
   child.parent_ = nullptr;
   child.next_ = nullptr;
 }
@@ -156,7 +167,7 @@ int XmlNode::GetInt() const { return static_cast<int>(ToLong(Text())); }
 unsigned long XmlNode::GetUnsigned() const { return ToUnsignedLong(Text()); }
 
 bool XmlNode::IsEmpty() const {
-  return last_ == nullptr && Text().find_first_not_of(kWhiteSpace) == std::string_view::npos;
+  return LastChild() == nullptr && Text().find_first_not_of(kWhiteSpace) == std::string_view::npos;
 }
 
 XmlNode* XmlNode::Find(std::string_view name) const {
@@ -182,11 +193,12 @@ unsigned long XmlNode::GetUnsigned(std::string_view name) const {
 
 int XmlNode::GetIntOrAttribute(std::string_view name) const {
   if (const XmlNode* child = Find(name)) return child->GetInt();
-  if (attributes_ == nullptr) return 0;
+  const Attributes* const attributes = GetAttributes();
+  if (attributes == nullptr) return 0;
   const auto found =
-      std::find_if(attributes_->begin(), attributes_->end(),
+      std::find_if(attributes->begin(), attributes->end(),
                    [name](const auto& attribute) { return attribute.first == name; });
-  return found == attributes_->end() ? 0 : static_cast<int>(ToLong(found->second));
+  return found == attributes->end() ? 0 : static_cast<int>(ToLong(found->second));
 }
 
 void XmlNode::AddChild(INode& node) {

@@ -1,26 +1,22 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "framework/NamePool.h"
 #include "host/VxXml.h"
 
 namespace vx {
 
-/// An element's name, shared by all elements that bear it. Counted, so that a text with many
-/// different names leaves nothing behind.
-struct XmlName {
-  std::string text;
-  std::uint32_t references = 0;
-};
-
-/// The one implementation of `VxXML::INode`: a tree of counted nodes linked among themselves, small
-/// because a state of a hundred thousand events is a few million of them. A parent holds one
-/// reference to each child. Destroying a tree needs no stack in its depth.
+/// The one implementation of `VxXML::INode`: a tree of counted nodes linked among themselves. A
+/// parent holds one reference to each child. Destroying a tree needs no stack in its depth.
+///
+/// Small, because a state of a hundred thousand events is a few million of them: most elements have
+/// either a short text or children, which share one place, and what is rare (attributes, text
+/// beside children) lies elsewhere.
 class XmlNode final : public VxXML::INode {
  public:
   using Attributes = std::vector<std::pair<std::string, std::string>>;
@@ -34,8 +30,8 @@ class XmlNode final : public VxXML::INode {
   void AddRef() override { ++references_; }
   void Release() override;
 
-  std::string_view GetName() const override { return name_->text; }
-  bool IsNamed(std::string_view name) const override { return name_->text == name; }
+  std::string_view GetName() const override { return NamePool::Text(name_); }
+  bool IsNamed(std::string_view name) const override { return GetName() == name; }
   std::string GetText() const override { return std::string(Text()); }
   int GetInt() const override;
   unsigned long GetUnsigned() const override;
@@ -56,39 +52,72 @@ class XmlNode final : public VxXML::INode {
   /// Appends a new child and returns it; it stays this node's.
   XmlNode& Append(std::string_view name, std::string_view text);
 
-  std::string_view Text() const { return {IsInline() ? inline_ : heap_, size_}; }
+  std::string_view Text() const {
+    if (content_ <= kInlineSize) return {inline_, content_};
+    if (content_ == kLongText) return {long_.begin, long_.size};
+    return content_ == kRich ? std::string_view(rich_->text) : std::string_view();
+  }
   void SetText(std::string_view text);
   void SetAttributes(Attributes attributes);
   /// Null where there are none.
-  const Attributes* GetAttributes() const { return attributes_.get(); }
+  const Attributes* GetAttributes() const {
+    return content_ == kRich && !rich_->attributes.empty() ? &rich_->attributes : nullptr;
+  }
+  /// "<name>" and "</name>".
+  std::string_view StartTag() const { return NamePool::StartTag(name_); }
+  std::string_view EndTag() const { return NamePool::EndTag(name_); }
 
-  XmlNode* FirstChild() const { return last_ == nullptr ? nullptr : last_->next_; }
+  XmlNode* FirstChild() const {
+    XmlNode* const last = LastChild();
+    return last == nullptr ? nullptr : last->next_;
+  }
   XmlNode* NextSibling() const {
-    return parent_ == nullptr || parent_->last_ == this ? nullptr : next_;
+    return parent_ == nullptr || parent_->LastChild() == this ? nullptr : next_;
   }
   XmlNode* Parent() const { return parent_; }
 
  private:
-  static constexpr std::size_t kInlineSize = 16;
+  static constexpr std::uint32_t kInlineSize = 16;
+  // What `content_` says beyond the sizes 0 to kInlineSize of a text that lies in the node.
+  static constexpr std::uint32_t kLongText = 29;
+  static constexpr std::uint32_t kChildren = 30;
+  static constexpr std::uint32_t kRich = 31;
+  static constexpr std::uint32_t kContentMask = 31;
+
+  struct LongText {
+    char* begin;
+    std::size_t size;
+  };
+  struct Rich {
+    std::string text;
+    Attributes attributes;
+    XmlNode* last = nullptr;
+  };
 
   ~XmlNode();
-  bool IsInline() const { return size_ <= kInlineSize; }
+  XmlNode* LastChild() const {
+    return content_ == kChildren ? last_ : content_ == kRich ? rich_->last : nullptr;
+  }
+  void SetLastChild(XmlNode* last);
+  Rich& MakeRich();
+  void SetOnlyText(std::string_view text);
+  void DropContent();
   XmlNode* Find(std::string_view name) const;
   void Link(XmlNode& child);
   void Unlink(XmlNode& child);
   void DropChildren(XmlNode** doomed);
 
-  std::uint32_t references_ = 1;
-  std::uint32_t size_ = 0;
-  XmlName* name_;
   XmlNode* parent_ = nullptr;
-  XmlNode* next_ = nullptr;  // the last child's leads to the first
-  XmlNode* last_ = nullptr;  // the last child
+  XmlNode* next_ = nullptr;        // the last child's leads to the first
+  std::uint32_t references_ : 27;  // more holders than memory has room for
+  std::uint32_t content_ : 5;
+  NamePool::Number name_;
   union {
     char inline_[kInlineSize];
-    char* heap_;
+    LongText long_;
+    XmlNode* last_;  // child; none where it is null
+    Rich* rich_;
   };
-  std::unique_ptr<Attributes> attributes_;
 };
 
 /// The number at the start of a text, as `strtol` and `strtoul` read it in base 10.

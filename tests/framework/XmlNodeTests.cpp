@@ -195,6 +195,39 @@ TEST(XmlNode, MovesBetweenDocuments) {
   EXPECT_EQ(target->ToString(), "<target><x>1</x><second>2</second></target>");
 }
 
+TEST(XmlNode, HoldsTextBesideChildrenAndAttributes) {
+  for (const std::string& text : {std::string("short"), std::string(40, 'x')}) {
+    const auto node = CreateXmlNode("n", text);
+    node->AddText("a", "1");
+    node->AddText("b", "2");
+    EXPECT_EQ(node->GetText(), text) << "children come beside the text";
+    EXPECT_EQ(node->ToString(), "<n>" + text + "<a>1</a><b>2</b></n>");
+    const auto other = CreateXmlNode("other", "");
+    other->AddChild(*node->GetFirstChild());
+    other->AddChild(*node->GetFirstChild());
+    EXPECT_EQ(node->ToString(), "<n>" + text + "</n>") << "they go, the text stays";
+    EXPECT_EQ(other->ToString(), "<other><a>1</a><b>2</b></other>");
+  }
+  const auto document = VxXML::CreateXmlDocument("<n k='7'>text<c/>more</n>");
+  INode* const root = document->GetRoot();
+  EXPECT_EQ(root->ToString(), "<n k=\"7\">textmore<c/></n>");
+  const auto other = CreateXmlNode("other", "");
+  other->AddChild(*root->GetFirstChild());
+  EXPECT_EQ(root->ToString(), "<n k=\"7\">textmore</n>");
+  EXPECT_EQ(root->GetIntOrAttribute("k"), 7);
+  other->AddChild(*other->GetFirstChild());
+  EXPECT_EQ(other->ToString(), "<other><c/></other>") << "the only child, taken out and in again";
+}
+
+TEST(XmlNode, TakesATextAfterItsLastChildHasGone) {
+  const auto document = VxXML::CreateXmlDocument("<n><c/></n>");
+  const auto other = CreateXmlNode("other", "");
+  other->AddChild(*document->GetRoot()->GetFirstChild());
+  EXPECT_EQ(document->GetRoot()->ToString(), "<n/>");
+  document->GetRoot()->AddText("d", "1");
+  EXPECT_EQ(document->GetRoot()->ToString(), "<n><d>1</d></n>");
+}
+
 TEST(XmlHelper, AddChildAnswersTheNewChildOfItsParent) {
   const auto parent = CreateXmlNode("p", "");
   INode& child = XmlHelper::AddChild(*parent, "c", "text");
