@@ -58,7 +58,7 @@ void vexalink_agent_scheduler::OnTimerExpired(unsigned long id, long /*reserved*
     Fire(*event);
     todaysIndex.Remove(*event);
   }
-  if (!DayHasChanged(now)) return;
+  if (sameDay.AreOn(now.Seconds(), scheduleDate.Seconds()) || !DayHasChanged(now)) return;
   scheduleDate = now;
   CalculateTodaysEvents(/*skipPast=*/false);
   DumpTodaysEvents();
@@ -89,11 +89,6 @@ void vexalink_agent_scheduler::Fire(const Event& event) {
 // counts as a new day, one set back to 5 February does not. Kept: what a schedule does after its
 // clock was set back must not change under its owner (DayChange.ComparesFieldByField).
 bool vexalink_agent_scheduler::DayHasChanged(VxTime now) const {
-  const local_time::Day* today = local_time::FindDay(now.Seconds());
-  if (today != nullptr && scheduleDate.Seconds() >= today->begin &&
-      scheduleDate.Seconds() < today->end) {
-    return false;
-  }
   return now.GetYear() > scheduleDate.GetYear() || now.GetMonth() > scheduleDate.GetMonth() ||
          now.GetDay() > scheduleDate.GetDay();
 }

@@ -195,6 +195,13 @@ const Day* FindDay(std::time_t instant) {
   return KeepDayOf(instant, local, generation);
 }
 
+void SameDay::Remember(std::time_t instant) {
+  generation_ = ZoneGeneration();
+  const Day* const day = FindDay(instant);
+  begin_ = day != nullptr ? day->begin : 0;
+  end_ = day != nullptr ? day->end : 0;
+}
+
 bool Fields(std::time_t instant, std::tm* out) {
   if (const Day* day = FindDay(instant)) {
     FillFields(*day, instant, out);
@@ -261,7 +268,7 @@ const char* PresentZoneName() {
 }
 
 int PresentDaylightFlag() {
-  const std::time_t now = std::time(nullptr);
+  const std::time_t now = Present();
   if (const Day* day = FindDay(now)) return day->ClockAt(now).isdst == 1 ? 1 : 0;
   std::tm local;
   return Convert(now, &local) && local.tm_isdst == 1 ? 1 : 0;

@@ -2,6 +2,8 @@
 
 #include <ctime>
 
+#include "vexalink_agent_scheduler/vxw/ZoneWatch.h"
+
 /// The local calendar of the agent: the C library's, with one rule added and its answers kept.
 namespace local_time {
 
@@ -44,6 +46,25 @@ struct Day {
 /// ZoneWatch.h): what is answered is what `localtime` would answer. Good until the next call of
 /// this namespace.
 const Day* FindDay(std::time_t instant);
+
+/// The span of a day, remembered so that asking whether instants lie on it, tick after tick, costs
+/// a few comparisons.
+class SameDay {
+ public:
+  /// Whether two instants lie on one local day that can be kept; where it cannot, false.
+  bool AreOn(std::time_t one, std::time_t other) {
+    if (generation_ != ZoneGeneration() || !Holds(one)) Remember(one);
+    return Holds(one) && Holds(other);
+  }
+
+ private:
+  bool Holds(std::time_t instant) const { return instant >= begin_ && instant < end_; }
+  void Remember(std::time_t instant);
+
+  unsigned generation_ = 0;
+  std::time_t begin_ = 0;
+  std::time_t end_ = 0;
+};
 
 /// The local fields of an instant. False, and `out` untouched, where the C library cannot convert
 /// it.

@@ -75,35 +75,22 @@ std::optional<VxTime> Calculate(Kind kind, const VxTime& date, double latitude, 
   return ToLocalInstant(minutes, date, isdst);
 }
 
-// What was worked out for one date at one site in one present moment, on which the daylight-saving
-// flag depends; it holds while the time zone stays what it is. All events that are asked about a
-// day share it.
-struct Kept {
-  unsigned generation = 0;  // of the zone; 0: nothing is kept here
-  VxTime date;
-  VxTime now;
-  double latitude = 0;
-  double longitude = 0;
-  std::optional<VxTime> instant;
-};
-
 constexpr std::size_t kKeptDays = 64;  // a power of two
 std::array<Kept, kKeptDays * 2> kept;
 
 }  // namespace
 
-std::optional<VxTime> Instant(Kind kind, const VxTime& date, double latitude, double longitude) {
-  const unsigned generation = local_time::ZoneGeneration();
-  const VxTime now = VxTime::GetCurrentTime();
+const Kept& Find(Kind kind, const VxTime& date, double latitude, double longitude) {
   const auto day = static_cast<std::size_t>(date.Seconds() / local_time::kSecondsPerDay);
-  Kept& entry = kept[day % kKeptDays * 2 + (kind == Kind::kSunset ? 1 : 0)];
-  if (entry.generation != generation || entry.date != date || entry.now != now ||
-      entry.latitude != latitude || entry.longitude != longitude) {
+  const auto which = static_cast<std::size_t>(kind);
+  Kept& entry = kept[day % kKeptDays * 2 + which];
+  if (!entry.Answers(date, latitude, longitude)) {
+    const std::time_t present = local_time::Present();
     const auto instant =
         Calculate(kind, date, latitude, longitude, local_time::PresentDaylightFlag());
-    entry = {local_time::ZoneGeneration(), date, now, latitude, longitude, instant};
+    entry = {local_time::ZoneGeneration(), date, present, latitude, longitude, instant};
   }
-  return entry.instant;
+  return latest[which] = entry;
 }
 
 }  // namespace sun_event

@@ -7,8 +7,6 @@
 VxTime::VxTime(int year, int month, int day, int hour, int minute, int second, int isdst)
     : seconds_(local_time::Instant(year, month, day, hour, minute, second, isdst)) {}
 
-VxTime VxTime::GetCurrentTime() { return VxTime(std::time(nullptr)); }
-
 std::tm* VxTime::GetLocalTm(std::tm* out) const {
   if (out == nullptr) return std::localtime(&seconds_);
   return local_time::Fields(seconds_, out) ? out : nullptr;

@@ -18,7 +18,7 @@ class VxTime {
   VxTime(int year, int month, int day, int hour, int minute, int second, int isdst);
 
   /// The present instant.
-  static VxTime GetCurrentTime();
+  static VxTime GetCurrentTime() { return VxTime(std::time(nullptr)); }
 
   /// Local fields, copied into `out`; answers `out`, or null (and `out` untouched) where the C
   /// library cannot convert the instant. With a null `out` the answer is the C library's own

@@ -11,6 +11,7 @@
 
 #include "host/VxBaseDriver.h"
 #include "vexalink_agent_scheduler/vxw/IAgentScheduler.h"
+#include "vexalink_agent_scheduler/vxw/LocalTime.h"
 #include "vexalink_agent_scheduler/vxw/RuleTable.h"
 #include "vexalink_agent_scheduler/vxw/ScheduledEvent.h"
 #include "vexalink_agent_scheduler/vxw/TodaysIndex.h"
@@ -144,6 +145,7 @@ class vexalink_agent_scheduler : public VxBaseDriver, public IAgentScheduler {
   // views the text of its event, which does not change while the event is in the table.
   std::set<std::pair<std::string_view, unsigned long>> descriptions;
   TodaysIndex todaysIndex{todaysEvents};
-  mutable RuleTable rules;        // of the events in the table
+  mutable RuleTable rules;  // of the events in the table
+  local_time::SameDay sameDay;
   std::time_t zoneForgotten = 0;  // the minute in which kept days were last forgotten
 };
