@@ -27,11 +27,35 @@ bool IsReasonable(std::time_t instant) {
   return instant > -kFarthest && instant < kFarthest;
 }
 
-long long FloorDivide(long long value, long long divisor) {
-  return value / divisor - (value % divisor < 0 ? 1 : 0);
+void FillTime(int second, const Clock& clock, std::tm* out) {
+  *out = {};
+  out->tm_sec = second % 60;
+  out->tm_min = second / 60 % 60;
+  out->tm_hour = second / 3600;
+  out->tm_isdst = clock.isdst;
+  out->tm_gmtoff = clock.offset;
+  out->tm_zone = clock.zone;
 }
 
-bool Convert(std::time_t instant, std::tm* out) { return localtime_r(&instant, out) != nullptr; }
+// What the clock of a span makes of an instant, which may lie on a day that is not kept.
+void FillFields(const ClockSpan& span, std::time_t instant, std::tm* out) {
+  const std::time_t local = instant + span.clock.offset;
+  const long long civil = FloorDivide(local, kSecondsPerDay);
+  const CivilDate date = DateOf(civil);
+  FillTime(static_cast<int>(local - civil * kSecondsPerDay), span.clock, out);
+  out->tm_mday = date.day;
+  out->tm_mon = date.month - 1;
+  out->tm_year = date.year - 1900;
+  out->tm_wday = WeekdayOf(civil);
+  out->tm_yday = date.yday;
+}
+
+bool Convert(std::time_t instant, std::tm* out) {
+  const ClockSpan* const span = FindSpan(instant);
+  if (span == nullptr) return localtime_r(&instant, out) != nullptr;
+  FillFields(*span, instant, out);
+  return true;
+}
 
 bool SameFields(const std::tm& a, const std::tm& b) {
   return a.tm_sec == b.tm_sec && a.tm_min == b.tm_min && a.tm_hour == b.tm_hour &&
@@ -50,22 +74,23 @@ std::time_t FirstOfTwo(std::time_t instant, const std::tm& fields) {
   return instant - setBack;
 }
 
-Day::Clock ClockOf(const std::tm& local) {
-  return {local.tm_gmtoff, local.tm_isdst, local.tm_zone};
-}
-
-bool SameClock(const Day::Clock& a, const Day::Clock& b) {
-  return a.offset == b.offset && a.isdst == b.isdst;
-}
+Clock ClockOf(const std::tm& local) { return {local.tm_gmtoff, local.tm_isdst, local.tm_zone}; }
 
 // The first instant after `begin` and not after `last` at which the clock is not `before` any more;
 // there is one.
-std::time_t FindChange(std::time_t begin, std::time_t last, const Day::Clock& before) {
+std::time_t FindChange(std::time_t begin, std::time_t last, const Clock& before) {
+  const auto isBefore = [&before](std::time_t instant) {
+    std::tm local;
+    return Convert(instant, &local) && before.IsSame(ClockOf(local));
+  };
+  for (const ClockSpan* span = FindSpan(begin); span != nullptr && span->end <= last;
+       span = FindSpan(begin)) {
+    begin = span->end;
+    if (!isBefore(begin)) return begin;
+  }
   while (last - begin > 1) {
     const std::time_t middle = begin + (last - begin) / 2;
-    std::tm local;
-    const bool isBefore = Convert(middle, &local) && SameClock(ClockOf(local), before);
-    (isBefore ? begin : last) = middle;
+    (isBefore(middle) ? begin : last) = middle;
   }
   return last;
 }
@@ -77,11 +102,11 @@ bool KeepsToTheDay(std::time_t change, const Day& day) {
   std::tm first;
   return day.before.offset - day.after.offset <= kLongestSetBack && Convert(change - 1, &last) &&
          Convert(change, &first) && last.tm_mday == day.day && first.tm_mday == day.day &&
-         SameClock(ClockOf(last), day.before) && SameClock(ClockOf(first), day.after);
+         day.before.IsSame(ClockOf(last)) && day.after.IsSame(ClockOf(first));
 }
 
 // Keeps the day that begins at `begin` with the clock `before`, if it is one that can be kept.
-const Day* Keep(std::time_t begin, const Day::Clock& before, unsigned generation) {
+const Day* Keep(std::time_t begin, const Clock& before, unsigned generation) {
   Day day;
   day.begin = begin;
   day.before = before;
@@ -92,9 +117,9 @@ const Day* Keep(std::time_t begin, const Day::Clock& before, unsigned generation
   day.after = ClockOf(last);
   day.end = (day.civil + 1) * kSecondsPerDay - day.after.offset;
   day.change = day.end;
-  if (!SameClock(day.before, day.after) && !Convert(day.end - 1, &last)) return nullptr;
+  if (!day.before.IsSame(day.after) && !Convert(day.end - 1, &last)) return nullptr;
   if (last.tm_hour != 23 || last.tm_min != 59 || last.tm_sec != 59 ||
-      !SameClock(ClockOf(last), day.after)) {
+      !day.after.IsSame(ClockOf(last))) {
     return nullptr;
   }
   day.year = static_cast<int>(std::int64_t{last.tm_year} + 1900);
@@ -102,7 +127,7 @@ const Day* Keep(std::time_t begin, const Day::Clock& before, unsigned generation
   day.day = last.tm_mday;
   day.weekday = last.tm_wday;
   day.yday = last.tm_yday;
-  if (!SameClock(day.before, day.after)) {
+  if (!day.before.IsSame(day.after)) {
     day.change = FindChange(begin, day.end - 1, day.before);
     if (!KeepsToTheDay(day.change, day)) return nullptr;
   }
@@ -120,9 +145,33 @@ const Day* FindKept(std::time_t instant, unsigned generation) {
   return found ? &slot.day : nullptr;
 }
 
+// The day of `instant` where it lies within one span of the clock.
+const Day* KeepDayOfSpan(std::time_t instant, unsigned generation) {
+  const ClockSpan* const span = FindSpan(instant);
+  if (span == nullptr) return nullptr;
+  const Clock& clock = span->clock;
+  Day day;
+  day.civil = FloorDivide(instant + clock.offset, kSecondsPerDay);
+  day.begin = day.civil * kSecondsPerDay - clock.offset;
+  day.end = day.begin + kSecondsPerDay;
+  day.change = day.end;
+  if (day.begin - kLongestSetBack < span->begin || day.end > span->end) return nullptr;
+  const CivilDate date = DateOf(day.civil);
+  day.year = date.year;
+  day.month = date.month;
+  day.day = date.day;
+  day.weekday = WeekdayOf(day.civil);
+  day.yday = date.yday;
+  day.before = clock;
+  day.after = clock;
+  lastOffset = clock.offset;
+  KeptDay& slot = Slot(day.civil);
+  slot = {generation, day};
+  return &slot.day;
+}
+
 // The day of `instant` from the kept day before it.
 const Day* KeepDayAfterKept(std::time_t instant, unsigned generation) {
-  if (!IsReasonable(instant)) return nullptr;
   const Day* before = FindKept(instant - kSecondsPerDay, generation);
   if (before == nullptr || before->HasChange()) return nullptr;
   const Day* day = Keep(before->end, before->after, generation);
@@ -141,7 +190,7 @@ const Day* KeepDayOf(std::time_t instant, const std::tm& local, unsigned generat
     if (!Convert(begin, &first)) return nullptr;
   }
   std::tm earlier;
-  if (!Convert(begin - kLongestSetBack, &earlier) || !SameClock(ClockOf(earlier), ClockOf(first))) {
+  if (!Convert(begin - kLongestSetBack, &earlier) || !ClockOf(earlier).IsSame(ClockOf(first))) {
     return nullptr;
   }
   const Day* day = Keep(begin, ClockOf(first), generation);
@@ -149,20 +198,13 @@ const Day* KeepDayOf(std::time_t instant, const std::tm& local, unsigned generat
 }
 
 void FillFields(const Day& day, std::time_t instant, std::tm* out) {
-  const Day::Clock& clock = day.ClockAt(instant);
-  const int second = static_cast<int>(instant + clock.offset - day.civil * kSecondsPerDay);
-  *out = {};
-  out->tm_sec = second % 60;
-  out->tm_min = second / 60 % 60;
-  out->tm_hour = second / 3600;
+  const Clock& clock = day.ClockAt(instant);
+  FillTime(static_cast<int>(instant + clock.offset - day.civil * kSecondsPerDay), clock, out);
   out->tm_mday = day.day;
   out->tm_mon = day.month - 1;
   out->tm_year = static_cast<int>(std::int64_t{day.year} - 1900);
   out->tm_wday = day.weekday;
   out->tm_yday = day.yday;
-  out->tm_isdst = clock.isdst;
-  out->tm_gmtoff = clock.offset;
-  out->tm_zone = clock.zone;
 }
 
 // The C library's own way.
@@ -174,8 +216,22 @@ std::time_t MakeInstant(std::tm fields) {
   return FirstOfTwo(instant, fields);
 }
 
-constexpr std::array<int, 13> kDaysBefore = {0,   31,  59,  90,  120, 151, 181,
-                                             212, 243, 273, 304, 334, 365};
+// The instant of a second of a civil date by what is known; -1 where it takes the C library.
+std::time_t InstantOfDay(long long civil, long long secondOfDay, int isdst) {
+  const unsigned generation = ZoneGeneration();
+  const KeptDay& slot = Slot(civil);
+  if (slot.generation == generation && slot.day.civil == civil) {
+    const bool isFlag = isdst == slot.day.before.isdst && !slot.day.HasChange();
+    return isdst < 0 || isFlag ? slot.day.At(secondOfDay) : -1;
+  }
+  const std::time_t local = civil * kSecondsPerDay + secondOfDay;
+  const ClockSpan* const span = IsReasonable(local) ? FindSpan(local - lastOffset) : nullptr;
+  if (span == nullptr || (isdst >= 0 && isdst != span->clock.isdst)) return -1;
+  // Far from both ends of the span, beyond which the same time might come again.
+  constexpr std::time_t kFar = 3 * kSecondsPerDay;
+  const std::time_t instant = local - span->clock.offset;
+  return instant - kFar >= span->begin && instant + kFar < span->end ? instant : -1;
+}
 
 }  // namespace
 
@@ -189,9 +245,11 @@ std::time_t Day::At(long secondOfDay) const {
 const Day* FindDay(std::time_t instant) {
   const unsigned generation = ZoneGeneration();
   if (const Day* day = FindKept(instant, generation)) return day;
+  if (!IsReasonable(instant)) return nullptr;
+  if (const Day* day = KeepDayOfSpan(instant, generation)) return day;
   if (const Day* day = KeepDayAfterKept(instant, generation)) return day;
   std::tm local;
-  if (!IsReasonable(instant) || !Convert(instant, &local)) return nullptr;
+  if (!Convert(instant, &local)) return nullptr;
   return KeepDayOf(instant, local, generation);
 }
 
@@ -214,51 +272,29 @@ bool Fields(std::time_t instant, std::tm* out) {
 }
 
 std::time_t Instant(int year, int month, int day, int hour, int minute, int second, int isdst) {
-  // Any number may stand in a persisted event, so nothing here may overflow.
-  const long long months = std::int64_t{month} - 1;
-  const long long fullYear = year + FloorDivide(months, 12);
-  const int monthOfYear = static_cast<int>(months - FloorDivide(months, 12) * 12) + 1;
-  const long long time = std::int64_t{hour} * 3600 + std::int64_t{minute} * 60 + second;
-  const long long days = FloorDivide(time, kSecondsPerDay);
-  const long long civil = CivilDays(fullYear, monthOfYear, day) + days;
-  const unsigned generation = ZoneGeneration();
-  const KeptDay& slot = Slot(civil);
-  // In the gap of a change, mktime lets seconds beyond the minute pass in a way of its own.
-  const bool isPlain = second >= 0 && second < 60;
-  if (isPlain && slot.generation == generation && slot.day.civil == civil &&
-      (isdst < 0 || (isdst == slot.day.before.isdst && !slot.day.HasChange()))) {
-    const std::time_t instant = slot.day.At(time - days * kSecondsPerDay);
-    if (instant != -1) return instant;
-  }
+  // Any number may stand in a persisted event, so nothing here may overflow; what the C library is
+  // given wraps.
   std::tm fields{};
   fields.tm_year = static_cast<int>(std::int64_t{year} - 1900);
-  fields.tm_mon = static_cast<int>(months);
+  fields.tm_mon = static_cast<int>(std::int64_t{month} - 1);
   fields.tm_mday = day;
   fields.tm_hour = hour;
   fields.tm_min = minute;
   fields.tm_sec = second;
   fields.tm_isdst = isdst;
+  // In the gap of a change, mktime lets seconds beyond the minute pass in a way of its own.
+  if (second >= 0 && second < 60) {
+    const long long years = FloorDivide(fields.tm_mon, 12);
+    const int monthOfYear = static_cast<int>(fields.tm_mon - years * 12) + 1;
+    const long long time = std::int64_t{hour} * 3600 + std::int64_t{minute} * 60 + second;
+    const long long days = FloorDivide(time, kSecondsPerDay);
+    const long long civil = CivilDays(fields.tm_year + 1900LL + years, monthOfYear, day) + days;
+    const std::time_t instant = InstantOfDay(civil, time - days * kSecondsPerDay, isdst);
+    if (instant != -1) return instant;
+  }
   const std::time_t instant = MakeInstant(fields);
   FindDay(instant);  // the next time of this day comes without the C library
   return instant;
-}
-
-long long CivilDays(long long year, int month, int day) {
-  constexpr long long kDaysBefore1970 = 719163;  // 0001-01-01 counts as day 1
-  const long long past = year - 1;
-  const long long leapDays = FloorDivide(past, 4) - FloorDivide(past, 100) + FloorDivide(past, 400);
-  const bool leapYear = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-  return past * 365 + leapDays + DaysBeforeMonth(month, leapYear) + day - kDaysBefore1970;
-}
-
-int DaysBeforeMonth(int month, bool leapYear) {
-  if (month < 1 || month > 12) return 0;
-  return kDaysBefore[static_cast<std::size_t>(month) - 1] + (leapYear && month > 2 ? 1 : 0);
-}
-
-int DaysInMonth(int month, bool leapYear) {
-  return kDaysBefore[static_cast<std::size_t>(month)] -
-         kDaysBefore[static_cast<std::size_t>(month) - 1] + (leapYear && month == 2 ? 1 : 0);
 }
 
 const char* PresentZoneName() {

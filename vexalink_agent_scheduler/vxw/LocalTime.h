@@ -2,6 +2,8 @@
 
 #include <ctime>
 
+#include "vexalink_agent_scheduler/vxw/CivilCalendar.h"
+#include "vexalink_agent_scheduler/vxw/ClockSpans.h"
 #include "vexalink_agent_scheduler/vxw/ZoneWatch.h"
 
 /// The local calendar of the agent: the C library's, with one rule added and its answers kept.
@@ -25,14 +27,8 @@ struct Day {
   int weekday = 0;      ///< 0 = Sunday .. 6 = Saturday
   int yday = 0;         ///< 0 = 1 January
 
-  /// What holds before the change, and after it.
-  struct Clock {
-    long offset = 0;  ///< seconds east of UTC
-    int isdst = 0;
-    const char* zone = nullptr;
-  };
-  Clock before;
-  Clock after;
+  Clock before;  ///< what the clock shows before the change
+  Clock after;   ///< and after it
 
   bool HasChange() const { return change != end; }
   const Clock& ClockAt(std::time_t instant) const { return instant < change ? before : after; }
@@ -76,14 +72,6 @@ bool Fields(std::time_t instant, std::tm* out);
 /// makes of it. With 0 or 1 it is `mktime`'s own answer. `year` is the full year, `month` counts
 /// from 1.
 std::time_t Instant(int year, int month, int day, int hour, int minute, int second, int isdst);
-
-/// Days from 1970-01-01 to a civil day of the Gregorian calendar, extended to all years;
-/// `month` 1..12, `day` any number.
-long long CivilDays(long long year, int month, int day);
-
-/// Lengths of the months before `month` (1..12, else 0), and of `month` itself (1..12).
-int DaysBeforeMonth(int month, bool leapYear);
-int DaysInMonth(int month, bool leapYear);
 
 /// The zone's name at the present moment, daylight-saving or standard; the C library's, good until
 /// the next conversion. Its names follow its last conversion, which this makes one of the present.

@@ -1,16 +1,20 @@
 #include "vexalink_agent_scheduler/vxw/NthDay.h"
 
+#include <algorithm>
 #include <array>
 #include <tuple>
 
 #include "astro/AstroClock.h"
 #include "vexalink_agent_scheduler/vxw/LocalTime.h"
+#include "vexalink_agent_scheduler/vxw/Steps.h"
 #include "vexalink_agent_scheduler/vxw/ZoneWatch.h"
 
 namespace nth_day {
 namespace {
 
 constexpr int kFourth = 4;
+constexpr int kSunday = 1;
+constexpr int kSaturday = 7;
 // By how many steps of 86400 s a month may be longer than its days: clock changes, date line.
 constexpr int kSpareSteps = 3;
 
@@ -28,6 +32,23 @@ constexpr std::size_t kKeptMonths = 64;  // for each weekday and period; a power
 constexpr std::size_t kKindsOfDay = 64;
 std::array<std::pair<Key, CivilDay>, kKeptMonths * kKindsOfDay> kept;
 
+// From an instant on, the steps in which weekdays come in their order, because the clock stands
+// still; one where that is not known. The weekday is 1 = Sunday .. 7 = Saturday, 0 where the
+// instant cannot be converted.
+struct Stretch {
+  int weekday;
+  long long steps;
+};
+
+Stretch StretchFrom(VxTime t) {
+  if (const local_time::ClockSpan* span = local_time::FindSpan(t.Seconds())) {
+    const long long days = span->CivilDaysAt(t.Seconds());
+    const long long still = (span->end - 1 - t.Seconds()) / local_time::kSecondsPerDay;
+    return {local_time::WeekdayOf(days) + kSunday, still + 1};
+  }
+  return {CivilDay::Of(t).weekday, 1};
+}
+
 std::size_t SlotOf(const Key& key) {
   const auto months = static_cast<std::size_t>(key.year * 12LL + key.month);
   const auto kind =
@@ -38,6 +59,7 @@ std::size_t SlotOf(const Key& key) {
 }  // namespace
 
 VxTime Find(int month, int weekday, int year, int period) {
+  if (weekday < kSunday || weekday > kSaturday) return VxTime();
   const int lastDay = local_time::DaysInMonth(month, AstroClock::IsLeapYear(year));
   const VxTime first(year, month, 1, 0, 0, 0, -1);
   const VxTime last(year, month, lastDay, 23, 59, 59, -1);
@@ -48,13 +70,18 @@ VxTime Find(int month, int weekday, int year, int period) {
   // and one weekday is met twice. In New York the second Sunday of November 2024 thus comes out as
   // the 3rd. Kept: schedules written by older controllers rely on it
   // (NthDayOfMonth.CountsTheClockChangeDayTwice).
-  for (int step = 0; step < lastDay + kSpareSteps; ++step) {
-    const VxTime t(first.Seconds() + step * local_time::kSecondsPerDay);
+  for (long long step = 0; step < lastDay + kSpareSteps;) {
+    const VxTime t = steps::At(first, step);
     if (t > last) break;
-    const CivilDay day = CivilDay::Of(t);
-    if (!day.IsKnown() || day.weekday != weekday) continue;
+    const Stretch stretch = StretchFrom(t);
+    const long long ahead = stretch.weekday == 0 ? 1 : (weekday - stretch.weekday + 7) % 7;
+    if (ahead != 0) {
+      step += std::min(ahead, stretch.steps);
+      continue;
+    }
     match = t;
     if (++matches == period && stopsAtPeriod) break;
+    ++step;
   }
   return match;
 }

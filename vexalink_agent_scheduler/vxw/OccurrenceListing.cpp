@@ -11,6 +11,8 @@ constexpr long long kDaysToSpare = 3;  // the end is an instant of the last day,
 constexpr long long kMostDays = 512;
 constexpr long long kMostAsked = 1
                                  << 20;  // at once, so that a large table does not fill the memory
+constexpr long long kFirstDaysOfEach = 8;
+constexpr long long kSparse = 8;  // days for each occurrence, with which they are better left out
 constexpr int kMinutesPerDay = 1440;
 
 }  // namespace
@@ -39,7 +41,7 @@ OccurrenceListing::OccurrenceListing(const std::map<unsigned long, Event*>& even
   due_ = decltype(due_)(std::greater<>(), std::move(due));
   mostDays_ =
       std::clamp<long long>(kMostAsked / static_cast<long long>(sources_.size() + 1), 1, kMostDays);
-  daysAtOnce_ = mostDays_;
+  daysAtOnce_ = std::min(mostDays_, kFirstDaysOfEach * static_cast<long long>(sources_.size() + 1));
 }
 
 bool OccurrenceListing::Next(std::vector<ListedOccurrence>* out) {
@@ -56,29 +58,30 @@ bool OccurrenceListing::Next(std::vector<ListedOccurrence>* out) {
   Place(out);
   if (hasUntimed_ || !askedZero_.empty()) AskInOrder(out);
   const bool hasGap = !due_.empty() && due_.top().first - end >= daysAtOnce_;
-  daysAtOnce_ = hasGap ? 1 : std::min(mostDays_, daysAtOnce_ * 2);
+  const auto found = static_cast<long long>(asked_.size() + askedZero_.size());
+  const bool isSparse = found * kSparse < end - first;
+  daysAtOnce_ = hasGap || isSparse ? 1 : std::min(mostDays_, daysAtOnce_ * 2);
   return true;
 }
 
 // Collects whom to ask on the days of the grid, which ends before the step `end`.
 void OccurrenceListing::CollectDue(long long end) {
-  std::vector<std::uint32_t> active;
+  active_.clear();
   for (; !due_.empty() && due_.top().first < end; due_.pop()) {
-    active.push_back(due_.top().second);
+    active_.push_back(due_.top().second);
   }
-  std::sort(active.begin(), active.end());
+  std::sort(active_.begin(), active_.end());
   asked_.clear();
   askedZero_.clear();
-  std::vector<DayGrid::Position> positions;
-  for (const std::uint32_t source : active) {
+  for (const std::uint32_t source : active_) {
     const Event& event = *sources_[source].event;
     if (sources_[source].repeatsByZero) {
       // It never happens, but each day from its start to its end becomes an assertion record.
       const auto [begin, stop] = grid_.ActivePositions(event);
       for (DayGrid::Position day = begin; day < stop; ++day) askedZero_.push_back({day, source});
     } else {
-      grid_.FindOccurrences(event, &positions);
-      for (const DayGrid::Position day : positions) asked_.push_back({day, source});
+      grid_.FindOccurrences(event, &positions_);
+      for (const DayGrid::Position day : positions_) asked_.push_back({day, source});
     }
     Enter(source, end);
   }

@@ -66,8 +66,10 @@ class OccurrenceListing {
   std::vector<Source> sources_;  // by id
   std::priority_queue<Due, std::vector<Due>, std::greater<>> due_;
   DayGrid grid_;
-  std::vector<Asked> asked_;            // by source; who happens
-  std::vector<Asked> askedZero_;        // by source; who only leaves an assertion record
-  std::vector<std::uint32_t> dayEnds_;  // of each day's entries
-  bool hasUntimed_ = false;             // an entry whose time is still to be worked out
+  std::vector<std::uint32_t> active_;         // whom to ask about the grid's days
+  std::vector<DayGrid::Position> positions_;  // of one of them
+  std::vector<Asked> asked_;                  // by source; who happens
+  std::vector<Asked> askedZero_;              // by source; who only leaves an assertion record
+  std::vector<std::uint32_t> dayEnds_;        // of each day's entries
+  bool hasUntimed_ = false;                   // an entry whose time is still to be worked out
 };

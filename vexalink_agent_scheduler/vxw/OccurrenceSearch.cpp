@@ -34,19 +34,27 @@ struct Place {
   long long last;
   CivilDay day;
 
-  CivilDay DayAt(long long other) const { return CivilDay::Of(steps::At(origin, other)); }
+  // As CivilDay counts days; nothing where the instant cannot be converted.
+  std::optional<long long> DaysAt(long long other) const {
+    const VxTime instant = steps::At(origin, other);
+    if (const local_time::ClockSpan* span = local_time::FindSpan(instant.Seconds())) {
+      return span->CivilDaysAt(instant.Seconds());
+    }
+    const CivilDay there = CivilDay::Of(instant);
+    return there.IsKnown() ? std::optional(there.days) : std::nullopt;
+  }
 
   // The first step after this one whose local day is `target` or later; kNoStep past the last.
   long long Reach(long long target) const {
     long long reached = step + std::max<long long>(1, target - day.days);
     while (true) {
       if (reached > last + kStrayDays) return kNoStep;
-      const CivilDay there = DayAt(reached);
-      if (!there.IsKnown()) return step + 1;
-      if (there.days >= target) break;
-      reached += target - there.days;
+      const std::optional<long long> there = DaysAt(reached);
+      if (!there) return step + 1;
+      if (*there >= target) break;
+      reached += target - *there;
     }
-    while (reached > step + 1 && DayAt(reached - 1).days >= target) --reached;
+    while (reached > step + 1 && DaysAt(reached - 1).value_or(0) >= target) --reached;
     return reached;
   }
 };

@@ -110,3 +110,14 @@ TEST(ZoneChange, IsSeenWhenAHoldHasEnded) {
   }
   EXPECT_EQ(VxTime(1700000000).GetHour(), 17);
 }
+
+TEST(PresentMoment, IsThatOfTheHoldWhileThereIsOne) {
+  TestClock clock(1700000000);
+  {
+    const local_time::ZoneHold hold;
+    clock.Advance(5);
+    const local_time::ZoneHold inner;
+    EXPECT_EQ(local_time::Present(), 1700000000);
+  }
+  EXPECT_EQ(local_time::Present(), 1700000005);
+}
