@@ -1,8 +1,8 @@
 #include "controller/http/Monitoring.h"
 
+#include <charconv>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <regex>
 #include <set>
 #include <sstream>
 
@@ -36,24 +36,70 @@ class Metrics {
 
  private:
   void Read(const std::string& line) {
-    static const std::regex help("# HELP ([a-zA-Z_:][a-zA-Z0-9_:]*) (([^\\\\]|\\\\\\\\|\\\\n)+)");
-    static const std::regex type("# TYPE ([a-zA-Z_:][a-zA-Z0-9_:]*) (counter|gauge|histogram)");
-    static const std::regex sample(
-        "([a-zA-Z_:][a-zA-Z0-9_:]*)(\\{([a-zA-Z_][a-zA-Z0-9_]*=\"([^\\\\\"]|\\\\\\\\|\\\\\"|\\\\n)*"
-        "\",?)+\\})?"
-        " (NaN|[+-]Inf|-?[0-9]+(\\.[0-9]+)?([eE][+-]?[0-9]+)?)");
-    std::smatch match;
-    if (std::regex_match(line, match, help)) {
-      family_ = match[1];
+    std::string_view rest = line;
+    if (Take(rest, "# HELP ")) {
+      family_ = TakeName(rest, ":");
+      EXPECT_TRUE(Take(rest, " ") && !rest.empty() && IsEscaped(rest, "n\\")) << line;
       EXPECT_TRUE(helped_.insert(family_).second) << family_ << " comes twice";
-    } else if (std::regex_match(line, match, type)) {
-      EXPECT_EQ(match[1], family_) << "the type follows the help";
-      types[family_] = match[2];
-    } else if (std::regex_match(line, match, sample)) {
-      ReadSample(match[1], match[2], match[5]);
+    } else if (Take(rest, "# TYPE ")) {
+      EXPECT_EQ(TakeName(rest, ":"), family_) << "the type follows the help";
+      EXPECT_TRUE(rest == " counter" || rest == " gauge" || rest == " histogram") << line;
+      types[family_] = rest.substr(1);
     } else {
-      ADD_FAILURE() << "no line of the format: " << line;
+      const std::string name = TakeName(rest, ":");
+      const std::string labels = TakeLabels(rest);
+      EXPECT_TRUE(Take(rest, " ") && IsNumber(rest)) << line;
+      ReadSample(name, labels, std::string(rest));
     }
+  }
+
+  static bool Take(std::string_view& text, std::string_view beginning) {
+    if (!text.starts_with(beginning)) return false;
+    text.remove_prefix(beginning.size());
+    return true;
+  }
+
+  /// Letters, digits and "_", no digit first; in the names of families also `more`.
+  static std::string TakeName(std::string_view& text, const std::string& more) {
+    const std::string letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz_" + more;
+    const std::size_t end = std::min(text.find_first_not_of(letters + "0123456789"), text.size());
+    const std::string name(text.substr(0, end));
+    EXPECT_TRUE(!name.empty() && letters.find(name[0]) != std::string::npos) << text;
+    text.remove_prefix(end);
+    return name;
+  }
+
+  /// Whether each backslash has one of `escapes` behind it.
+  static bool IsEscaped(std::string_view text, std::string_view escapes) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+      if (text[at] != '\\') continue;
+      if (++at == text.size() || escapes.find(text[at]) == std::string_view::npos) return false;
+    }
+    return true;
+  }
+
+  /// `{name="value",...}` as it stands there; nothing where there is none.
+  static std::string TakeLabels(std::string_view& text) {
+    const std::string_view before = text;
+    if (!Take(text, "{")) return "";
+    do {
+      TakeName(text, "");
+      EXPECT_TRUE(Take(text, "=\"")) << before;
+      std::size_t end = 0;
+      while (end < text.size() && text[end] != '"') end += text[end] == '\\' ? 2 : 1;
+      EXPECT_TRUE(IsEscaped(text.substr(0, end), "n\\\"")) << before;
+      text.remove_prefix(std::min(end, text.size()));
+      EXPECT_TRUE(Take(text, "\"")) << before;
+    } while (Take(text, ","));
+    EXPECT_TRUE(Take(text, "}")) << before;
+    return std::string(before.substr(0, before.size() - text.size()));
+  }
+
+  static bool IsNumber(std::string_view text) {
+    if (text == "NaN" || text == "+Inf" || text == "-Inf") return true;
+    double number = 0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
+    return read.ec == std::errc() && read.ptr == text.data() + text.size();
   }
 
   void ReadSample(const std::string& name, const std::string& labels, const std::string& value) {
