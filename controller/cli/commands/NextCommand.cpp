@@ -54,7 +54,8 @@ Json FindNext(const NextLine& line, Session& session, const Json& event) {
 /// By event, what keeps it from doing something or changes when it comes.
 std::map<std::string, std::string> Notes(Session& session) {
   std::map<std::string, std::string> notes;
-  for (const Json& event : session.api.Events().at("events")) {
+  const Json all = session.api.Events();
+  for (const Json& event : all.at("events")) {
     const Json& programming = event.at("programming");
     const long spread = event.contains("time") ? event["time"].value("spread", 0L) : 0;
     std::string note = spread > 0 ? "±" + std::to_string(spread) + " min" : "";

@@ -29,17 +29,18 @@ int Finish() {
 /// "7<tab>Porch" for the scripts; nothing where no controller answers.
 void WriteEvents(const ClientOptions& options) {
   Api api(options);
-  for (const Json& event : api.Events().at("events")) {
+  const Json all = api.Events();
+  for (const Json& event : all.at("events")) {
     std::cout << event.at("id").dump() << '\t' << Printable(event.value("description", "")) << '\n';
   }
 }
 
-int WriteCompletion(const CLI::App& app, const std::string& shell, const ClientOptions& options) {
+int WriteCompletion(const CommandPage& program, const std::string& shell,
+                    const ClientOptions& options) {
   if (shell == "events") {
     WriteEvents(options);
     return Finish();
   }
-  const CommandPage program = ReadPages(app);
   std::cout << (shell == "bash"  ? BashCompletion(program)
                 : shell == "zsh" ? ZshCompletion(program)
                                  : FishCompletion(program));
@@ -63,8 +64,7 @@ const CommandPage& FindPage(const CommandPage& program, const std::string& name)
                 ExitStatus::kBadInput);
 }
 
-int WriteManual(const CLI::App& app, const ManualLine& line) {
-  const CommandPage program = ReadPages(app);
+int WriteManual(const CommandPage& program, const ManualLine& line) {
   if (line.directory.empty()) {
     std::cout << ManualPage(FindPage(program, line.command), program);
     return Finish();
@@ -96,7 +96,9 @@ void AddCompletion(CLI::App& app, CommandRun& run) {
       "  vexalink completion fish > ~/.config/fish/completions/vexalink.fish\n\n" +
       std::string(kOfflineStatuses));
   command->callback([shell, options, &app, &run] {
-    run = [shell, options, &app] { return WriteCompletion(app, *shell, *options); };
+    run = [shell, options, program = ReadPages(app)] {
+      return WriteCompletion(program, *shell, *options);
+    };
   });
 }
 
@@ -111,7 +113,9 @@ void AddManual(CLI::App& app, CommandRun& run) {
       "  vexalink manual add | man -l -\n"
       "  vexalink manual --output ~/.local/share/man/man1\n\n" +
       std::string(kOfflineStatuses));
-  command->callback([line, &app, &run] { run = [line, &app] { return WriteManual(app, *line); }; });
+  command->callback([line, &app, &run] {
+    run = [line, program = ReadPages(app)] { return WriteManual(program, *line); };
+  });
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 namespace controller::cli {
 
 /// completion and manual: what tells about all commands of `app`, which must be there whole when
-/// they run.
+/// the command line is read.
 void AddPagesCommands(CLI::App& app, CommandRun& run);
 
 }  // namespace controller::cli
