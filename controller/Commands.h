@@ -4,6 +4,7 @@
 #include <iosfwd>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "controller/Failure.h"
 #include "controller/Place.h"
@@ -20,6 +21,12 @@ struct ServeOptions {
   bool empty = false;
   /// Start at once, also where the clock is behind the newest row of the journal.
   bool trustClock = false;
+  /// Where to listen; nothing: 127.0.0.1:7440, if that is free.
+  std::vector<std::string> listen;
+  /// Further names under which the controller is reached.
+  std::vector<std::string> allowedHosts;
+  /// Whether to listen at all.
+  bool http = true;
 };
 
 /// `vexalink import`: what was asked for.

@@ -75,6 +75,17 @@ void AddServeCommand(CLI::App& app, CommandRun& run) {
   AddAgentOption(*command, line->agent);
   AddPlaceOptions(*command, *line);
   command->add_flag("--empty", line->options.empty, "Start a new project without any events");
+  command
+      ->add_option("--listen", line->options.listen,
+                   "Where the page and the API are served, 127.0.0.1:7440 if nothing is said; port "
+                   "0 takes any that is free. Elsewhere than on this computer a token is needed, "
+                   "see vexalink token")
+      ->type_name("ADDRESS:PORT");
+  command
+      ->add_option("--allow-host", line->options.allowedHosts,
+                   "A further name under which browsers reach this controller")
+      ->type_name("NAME");
+  command->add_flag("!--no-http", line->options.http, "Serve neither page nor API");
   command->add_flag("--trust-clock", line->options.trustClock,
                     "Start at once, also where the clock is behind the journal's newest entry");
   command->add_option("--log-level", line->logLevel, "error, warning, info (default) or debug")
