@@ -1,0 +1,91 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "LiveHouse.h"
+#include "controller/LocalTimeText.h"
+
+namespace controller {
+namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+
+TEST(ProjectChanges, AreKept) {
+  LiveHouse house;
+  ProjectPatch patch;
+  patch.name = "Home";
+  patch.place = Place{-33.86, 151.21};
+  const DayFields tomorrow = DaysAfter(LocalDay(std::time(nullptr)), 1);
+  patch.awayUntil = tomorrow;
+  house.Get().ChangeProject(patch, "ada", house.Saved());
+  EXPECT_EQ(house.Get().Name(), "Home");
+  EXPECT_EQ(house.Get().WhereItIs().place.latitude, -33.86);
+  EXPECT_FALSE(house.Get().WhereItIs().guessed);
+  EXPECT_EQ(house.Get().AwayUntil(), tomorrow);
+  ASSERT_TRUE(house.WaitForSaved());
+  EXPECT_THAT(house.told, Contains("project"));
+  const auto rows = house.Rows("change");
+  ASSERT_EQ(rows.size(), 1u);
+  EXPECT_EQ(rows[0].reason, "project");
+  EXPECT_THAT(rows[0].before, HasSubstr("52.52"));
+  EXPECT_THAT(rows[0].after, HasSubstr("-33.86"));
+  house.Crash();
+  EXPECT_EQ(house.Get().Name(), "Home");
+  EXPECT_EQ(house.Get().AwayUntil(), tomorrow);
+  ProjectPatch back;
+  back.awayUntil = std::optional<DayFields>();
+  house.Get().ChangeProject(back, "ada", house.Saved());
+  EXPECT_FALSE(house.Get().AwayUntil());
+}
+
+TEST(ProjectChanges, AnAbsenceIsOverWhenItsDayHasBegun) {
+  LiveHouse house;
+  ProjectPatch patch;
+  patch.awayUntil = LocalDay(std::time(nullptr));
+  house.Get().ChangeProject(patch, "ada", house.Saved());
+  EXPECT_FALSE(house.Get().AwayUntil());
+}
+
+TEST(ProjectChanges, AnotherPlaceIsKnownToTheSchedulerAtOnce) {
+  LiveHouse house;
+  const auto sunrise = [&house] {
+    const auto sun = house.Get().Scheduler().Request(
+        "GET_SUNRISE_SUNSET", {{"DAY", "21"}, {"MONTH", "6"}, {"YEAR", "2026"}});
+    return sun->GetChild("sunrise")->GetInt("hour") * 60 + sun->GetChild("sunrise")->GetInt("min");
+  };
+  const int before = sunrise();
+  ProjectPatch patch;
+  patch.place = Place{52.52, 13.405 + 15};
+  house.Get().ChangeProject(patch, "ada", house.Saved());
+  const int after = sunrise();
+  EXPECT_NEAR((before - after + 1440) % 1440, 60, 2) << "15 degrees are an hour";
+}
+
+TEST(ProjectChanges, ABackupIsMadeBeforeTheFirstChangeOfADay) {
+  LiveHouse house;
+  house.Get().AddEvent(LiveHouse::Daily("Porch", 420), nullptr, "ada", house.Saved());
+  ASSERT_TRUE(house.WaitForSaved());
+  house.Restart();
+  const auto before = house.Get().Store().Backups("scheduler").size();
+  house.Get().AddEvent(LiveHouse::Daily("Gate", 420), nullptr, "ada", house.Saved());
+  ASSERT_TRUE(house.WaitForSaved());
+  house.Get().AddEvent(LiveHouse::Daily("Door", 420), nullptr, "ada", house.Saved());
+  ASSERT_TRUE(house.WaitForSaved());
+  const auto backups = house.Get().Store().Backups("scheduler");
+  ASSERT_EQ(backups.size(), before + 1);
+  EXPECT_THAT(backups[0].reason, HasSubstr("before the changes of"));
+  EXPECT_THAT(backups[0].xml, HasSubstr("Porch"));
+  EXPECT_THAT(backups[0].xml, testing::Not(HasSubstr("Gate")));
+}
+
+TEST(ProjectChanges, StartsAndStopsAreInTheJournal) {
+  LiveHouse house;
+  house.Restart();
+  const auto rows = house.Rows("controller");
+  ASSERT_GE(rows.size(), 2u);
+  EXPECT_EQ(rows[0].reason, "stopped");
+  EXPECT_EQ(rows[1].reason, "started");
+}
+
+}  // namespace
+}  // namespace controller
