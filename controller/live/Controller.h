@@ -168,6 +168,8 @@ class Controller final : public House,
   void Finish(Saved saved);
   void TakeSchedule(const std::string& state, const std::string& reason, const std::string& actor,
                     Saved saved);
+  /// What is on the disk is put aside in the transaction that is next.
+  void BackUpBeforeNextSave(const std::string& reason);
   void MoveProgramming(const std::map<unsigned long, EventElement>& before);
   std::string EventText(unsigned long eventId) const;
 

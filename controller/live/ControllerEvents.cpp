@@ -88,8 +88,7 @@ void Controller::Command(const std::string& name, const CommandMessage::Params& 
   const DayFields today = LocalDay(std::time(nullptr));
   if (backupDay_ != today) {
     backupDay_ = today;
-    backupReason_ = "before the changes of " + DayText(today);
-    committer_.Add({}, [this] { backupReason_.clear(); });
+    BackUpBeforeNextSave("before the changes of " + DayText(today));
   }
   notices_.clear();
   dropped_.clear();

@@ -78,7 +78,7 @@ void Controller::TakeSchedule(const std::string& state, const std::string& reaso
   // What is put aside is what is on the disk, so that comes first.
   if (committer_.IsPending()) committer_.SaveNow();
   const std::map<unsigned long, EventElement> before = desk_.Catalog().All();
-  committer_.Add([reason](ProjectStore& store) { store.BackUpState(kSchedulerName, reason); });
+  BackUpBeforeNextSave(reason);
   {
     const ClockScope sameMoment(std::time(nullptr));
     host_.ExpireTimers();
@@ -120,6 +120,11 @@ void Controller::MoveProgramming(const std::map<unsigned long, EventElement>& be
       ProgrammingTable::Write(store, to, kept);
     });
   }
+}
+
+void Controller::BackUpBeforeNextSave(const std::string& reason) {
+  backupReason_ = reason;
+  committer_.Add({}, [this] { backupReason_.clear(); });
 }
 
 void Controller::BackUpSchedule(const std::string& actor, Saved saved) {

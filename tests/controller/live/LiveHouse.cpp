@@ -25,7 +25,7 @@ void LiveHouse::Start() {
 }
 
 void LiveHouse::Restart() {
-  event_base_loopbreak(controller_->Loop());
+  event_base_loopexit(controller_->Loop(), nullptr);
   controller_->Run([] {});
   controller_.reset();
   Start();

@@ -65,7 +65,7 @@ TEST(Work, AFiringIsActedOnOnceItIsOnTheDisk) {
   EXPECT_EQ(fired[0].at, fired[0].planned);
   const auto actions = house.Rows("action");
   EXPECT_EQ(actions[0].outcome, "done");
-  EXPECT_THAT(actions[0].text, HasSubstr("/bin/sh"));
+  EXPECT_THAT(actions[0].text, HasSubstr("runs sh"));
   ASSERT_EQ(house.Get().Today().size(), 1u);
   EXPECT_EQ(house.Get().Today()[0].state, OccurrenceState::kFired);
   EXPECT_EQ(house.Get().Today()[0].journalRow, fired[0].id);
