@@ -155,32 +155,6 @@ unsigned long NumberInPath(const HttpRequest& request, const char* name) {
                                  "; give a number, 1 or more");
 }
 
-void CheckIfMatch(const HttpRequest& request, const std::string& tag) {
-  const auto header = request.headers.find("if-match");
-  if (header == request.headers.end()) return;
-  const std::string& wanted = header->second;
-  if (wanted == "*") return;
-  bool known = false;
-  for (std::size_t at = 0; at < wanted.size();) {
-    const std::size_t begin = wanted.find('"', at);
-    const std::size_t end = begin == wanted.npos ? begin : wanted.find('"', begin + 1);
-    const std::string_view between =
-        std::string_view(wanted).substr(at, std::min(begin, wanted.size()) - at);
-    if (end == wanted.npos || between.find_first_not_of(" \t,W/") != between.npos) {
-      throw Problem("malformed", "the header If-Match is " + Quoted(wanted) +
-                                     "; give an ETag as it was answered, in its quotes, or *");
-    }
-    // A weak tag never matches: it does not promise the same content.
-    known = known || (between.find("W/") == between.npos &&
-                      wanted.compare(begin, end - begin + 1, tag) == 0);
-    at = wanted.find_first_not_of(" \t", end + 1);
-  }
-  if (wanted.empty()) throw Problem("malformed", "the header If-Match is empty; give an ETag");
-  if (known) return;
-  throw Problem("precondition-failed", "If-Match is " + Quoted(wanted) + ", but this is now " +
-                                           tag + "; read it again and decide anew");
-}
-
 HttpResponse JsonAnswer(std::string body, int status) {
   HttpResponse response;
   response.status = status;

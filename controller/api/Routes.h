@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "controller/House.h"
+#include "controller/http/EntityTag.h"
 #include "controller/http/Http.h"
 #include "controller/http/Problem.h"
 
@@ -68,9 +69,6 @@ void ThrowIfWrong(const FieldErrors& errors);
 
 /// A number that stands in the path. Whatever is no number of something is not found.
 unsigned long NumberInPath(const HttpRequest& request, const char* name);
-
-/// Obeys If-Match: a `Problem` where it is given and names another version than `tag`.
-void CheckIfMatch(const HttpRequest& request, const std::string& tag);
 
 HttpResponse JsonAnswer(std::string body, int status = 200);
 HttpResponse JsonAnswer(const nlohmann::ordered_json& document, int status = 200);
