@@ -30,7 +30,10 @@ WebFace::WebFace(event_base* base, House& house, const WebOptions& options,
     : house_(house),
       tokens_(house.Store().Database()),
       api_(house),
-      stream_(base, [this](const HttpRequest& request) { return StillAllowed(request); }),
+      stream_(base,
+              [this](const HttpRequest& request) {
+                return server_.IsStillAllowed(request, Role::kView);
+              }),
       server_(base, {options.listen, options.allowedHosts, {}}, tokens_) {
   CheckTokensForListening(options.listen, tokens_, project);
   for (HttpRoute& route : api_.Routes()) server_.Add(std::move(route));
@@ -42,14 +45,6 @@ WebFace::WebFace(event_base* base, House& house, const WebOptions& options,
 }
 
 WebFace::~WebFace() { house_.SetListener(nullptr); }
-
-bool WebFace::StillAllowed(const HttpRequest& request) {
-  if (!server_.NeedsToken()) return true;
-  for (const TokenRow& token : tokens_.All()) {
-    if (token.name == request.actor) return true;
-  }
-  return false;
-}
 
 void WebFace::OnEventChanged(Change change, unsigned long eventId) {
   const std::string event = change == Change::kDeleted ? "null" : api_.EventText(eventId);

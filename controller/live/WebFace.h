@@ -41,8 +41,6 @@ class WebFace final : private IHouseListener {
   void OnSaving(bool works, const std::string& why) override;
   void OnScheduleReplaced() override;
 
-  bool StillAllowed(const HttpRequest& request);
-
   House& house_;
   TokenStore tokens_;
   Api api_;

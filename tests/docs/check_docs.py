@@ -13,6 +13,7 @@
 - A ```text serve block is how the by-hand block before it begins to log, but for times, numbers and
   quoted names.
 - A ```text file=PATH block is that file.
+- A ```json block is one JSON document.
 - A ```cpp or ```cmake block is there to be read; a whole translation unit (one that includes something)
   compiles.
 
@@ -186,7 +187,10 @@ def check_by_hand(line, house):
         if preset not in presets():
             raise Wrong(f"there is no preset {preset}")
     if program in ("./run.sh", "build/release/bin/vexalink"):
-        check_options(rest, house.help_of("serve" if program == "./run.sh" else rest[0]), line)
+        known = house.help_of("serve" if program == "./run.sh" else rest[0])
+        if rest[1:] and re.search(rf"^  {re.escape(rest[1])}  ", known, re.MULTILINE):
+            known += house.help_of(*rest[:2])  # a command of a command
+        check_options(rest, known, line)
     elif (REPOSITORY / program).is_file():
         if not os.access(REPOSITORY / program, os.X_OK):
             raise Wrong(f"{program} cannot be executed")
@@ -200,6 +204,20 @@ def check_unit(block, house):
     unit = house.folder / "shown.cpp"
     unit.write_text(block.text)
     house.run(f"{compiler} -std=c++20 -Wall -Wextra -Werror -fsyntax-only -I. {unit.name}")
+
+
+def check_json(text):
+    try:
+        json.loads(text, object_pairs_hook=without_twins)
+    except ValueError as error:
+        raise Wrong(f"is no JSON: {error}") from error
+
+
+def without_twins(pairs):
+    """An object in which no key stands twice."""
+    if len(dict(pairs)) < len(pairs):
+        raise ValueError("a key stands twice")
+    return dict(pairs)
 
 
 def check_document(document, house):
@@ -230,6 +248,8 @@ def check_document(document, house):
             elif kind == ("cpp", ""):
                 if "#include" in block.text:
                     check_unit(block, house)
+            elif kind == ("json", ""):
+                check_json(block.text)
             elif kind not in (("text", ""), ("cmake", "")):
                 raise Wrong(f"a block of kind {' '.join(kind)!r}; see check_docs.py for those there are")
         except (Wrong, subprocess.TimeoutExpired) as error:

@@ -47,6 +47,12 @@ class CheckDocs(unittest.TestCase):
         with self.assertRaises(check_docs.Wrong):
             check_docs.check_options(["--proj"], "  --project FILE", "serve")
 
+    def test_a_block_that_is_no_json_is_found(self):
+        check_docs.check_json('{"a": [1, 2]}')
+        for text in ('{"a": }', '{"a": 1, "a": 2}', "{} {}"):
+            with self.assertRaises(check_docs.Wrong):
+                check_docs.check_json(text)
+
 
 if __name__ == "__main__":
     unittest.main()
