@@ -8,6 +8,7 @@
 #include "controller/api/Cities.h"
 #include "controller/api/NextTimes.h"
 #include "controller/api/Routes.h"
+#include "controller/http/EntityTag.h"
 
 namespace controller {
 
@@ -28,6 +29,10 @@ inline HttpHandler Handle(const SharedContext& api, ApiWork work) {
     work(*api, request, respond);
   };
 }
+
+/// What tells this version of an event from others. What it does is not in it, nor when it comes
+/// next.
+std::string EventTag(const EventElement& event);
 
 /// An event as the scheduler answers it.
 struct FoundEvent {

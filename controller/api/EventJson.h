@@ -59,12 +59,6 @@ struct EventAnswerParts {
 /// Appends the event as answers hold it.
 void AppendEventJson(std::string& out, const EventElement& event, const EventAnswerParts& parts);
 
-/// What tells this version of the event from others, as an ETag, quotes included. What an event
-/// does is not in it, nor when it comes next.
-std::string EventTag(const EventElement& event);
-/// The same of any text.
-std::string TextTag(const std::string& text);
-
 /// "07:30"; `minutes` is 0 .. 1439.
 std::string HourMinuteText(int minutes);
 

@@ -27,6 +27,10 @@ unsigned long IdOfDescription(House& house, const std::string& description) {
 
 }  // namespace
 
+std::string EventTag(const EventElement& event) {
+  return EntityTag(MakeEventElement(event)->ToString());
+}
+
 std::optional<FoundEvent> LookForEvent(House& house, unsigned long id) {
   FoundEvent found;
   found.node = house.Scheduler().Request("GET_EVENT", {{"EVENT_ID", std::to_string(id)}});

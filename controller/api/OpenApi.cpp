@@ -7,7 +7,8 @@ void AddOpenApiRoutes(Routes& routes) {
   AddRoute(routes, "GET", "/openapi.json", Role::kView, BodyKind::kNone,
            [](const HttpRequest& request, const Respond& respond) {
              NoQuery(request);
-             respond(JsonAnswer(std::string(OpenApiText())));
+             const std::string_view text = OpenApiText();
+             respond(WithTag(request, JsonAnswer(std::string(text)), EntityTag(text)));
            });
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 HttpResponse ProgrammingAnswer(const Programming& programming) {
   std::string text = JsonDump(ProgrammingJson(programming));
-  const std::string tag = TextTag(text);
+  const std::string tag = EntityTag(text);
   HttpResponse response = JsonAnswer(std::move(text));
   response.headers.emplace_back("ETag", tag);
   return response;
@@ -20,7 +20,7 @@ HttpResponse ProgrammingAnswer(const Programming& programming) {
 /// The event's programming, where the request is still about this version of it.
 const Programming& Matching(ApiContext& api, unsigned long id, const HttpRequest& request) {
   const Programming& programming = api.house.ProgrammingOf(id);
-  CheckIfMatch(request, TextTag(JsonDump(ProgrammingJson(programming))));
+  CheckIfMatch(request, EntityTag(JsonDump(ProgrammingJson(programming))));
   return programming;
 }
 

@@ -73,7 +73,7 @@ void CheckRole(const HttpRequest& request, const ProjectPatch& patch) {
 std::string ProjectTag(House& house) {
   nlohmann::ordered_json json = ProjectJson(house);
   for (const char* moving : {"now", "timezone", "events", "version"}) json.erase(moving);
-  return TextTag(JsonDump(json));
+  return EntityTag(JsonDump(json));
 }
 
 HttpResponse ProjectAnswer(House& house) {
@@ -99,7 +99,8 @@ void PatchProject(ApiContext& api, const HttpRequest& request, const Respond& re
 
 void GetCities(ApiContext& api, const HttpRequest& request, const Respond& respond) {
   NoQuery(request);
-  respond(JsonAnswer(api.cities.Text()));
+  const std::string& cities = api.cities.Text();
+  respond(WithTag(request, JsonAnswer(cities), EntityTag(cities)));
 }
 
 std::size_t CountEvents(House& house) {

@@ -1,7 +1,6 @@
 // An event as answers hold it.
 
 #include <array>
-#include <cstdint>
 #include <cstdio>
 
 #include "controller/Utf8.h"
@@ -181,20 +180,6 @@ void AppendEventJson(std::string& out, const EventElement& event, const EventAns
   }
   if (parts.programming != nullptr) AppendProgrammingSummary(out, *parts.programming);
   out += '}';
-}
-
-std::string TextTag(const std::string& text) {
-  std::uint64_t hash = 14695981039346656037ULL;  // FNV-1a
-  for (const char byte : text) {
-    hash = (hash ^ static_cast<unsigned char>(byte)) * 1099511628211ULL;
-  }
-  std::array<char, 24> tag{};
-  std::snprintf(tag.data(), tag.size(), "\"%016llx\"", static_cast<unsigned long long>(hash));
-  return tag.data();
-}
-
-std::string EventTag(const EventElement& event) {
-  return TextTag(MakeEventElement(event)->ToString());
 }
 
 std::string HourMinuteText(int minutes) {

@@ -366,19 +366,4 @@ TEST(EventPatch, AnotherUnitHasToPartWithTheWeekdays) {
   EXPECT_THAT(errors[0].detail, HasSubstr("make it null"));
 }
 
-TEST(EventTag, IsAnotherForEveryOtherField) {
-  const EventElement event = Good(Repeated(R"({"unit":"week","on":["mon"]})"));
-  std::vector<EventElement> others(7, event);
-  others[0].eventid = 8;
-  others[1].description += ' ';
-  others[2].offset_minutes += 1;
-  others[3].randomize = 1;
-  others[4].start.day += 1;
-  others[5].daymask = 4;
-  others[6].end = DayFields{2027, 1, 1};
-  for (const EventElement& other : others) EXPECT_NE(EventTag(other), EventTag(event));
-  EXPECT_EQ(EventTag(event), EventTag(EventElement(event)));
-  EXPECT_THAT(EventTag(event), testing::MatchesRegex("\"[0-9a-f]{16}\""));
-}
-
 }  // namespace
