@@ -309,4 +309,20 @@ TEST_F(HouseResource, TellsWhatIsUnderWay) {
       "since":"2026-11-20T11:59:00+01:00","journal":3}]})"));
 }
 
+TEST_F(HouseResource, DescribesItself) {
+  const json description = client.Get("/openapi.json").Json();
+  EXPECT_EQ(description["openapi"], "3.1.0");
+  std::vector<std::string> missing;
+  for (const HttpRoute& route : ApiRoutes(house)) {
+    const std::string path = route.path.substr(std::string("/api/v1").size());
+    std::string method = route.method;
+    std::transform(method.begin(), method.end(), method.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    if (!description["paths"].contains(path) || !description["paths"][path].contains(method)) {
+      missing.push_back(route.method + ' ' + path);
+    }
+  }
+  EXPECT_THAT(missing, testing::IsEmpty());
+}
+
 }  // namespace
