@@ -232,7 +232,7 @@ class WhatIsSent(ClientTest):
                 result = run(*arguments, url=house.url)
                 self.ends(result, 0)
                 self.assertEqual(house.requests[-1].json, patch)
-                self.assertIn('event 7 "Porch"\n', result.out)
+                self.assertIn('event 7 "Porch"', result.out)
 
     def test_several_are_found_before_the_first_is_changed(self):
         house = self.serve({"GET /events/7": event()})
@@ -323,25 +323,49 @@ class WhatIsShown(ClientTest):
                          "action 1    run say 'it is dark'\n")
 
     def test_what_comes_next_is_looked_for_further_and_further(self):
+        def today(number, state, planned, due):
+            return {"event": number, "description": f"e{number}", "base": "clock", "state": state,
+                    "planned": f"2026-11-21T{planned}:00+01:00", "reason": "",
+                    "due": due and f"2026-11-21T{due}:00+01:00", "drawn": None, "journal": 0}
+
         def occurrences(request):
-            days = re.search("to=([0-9-]+)", request.path).group(1)
-            found = [{"event": 7, "description": "Porch", "date": "2026-11-21",
-                      "time": "2026-11-21T15:00:00+01:00", "base": "sunset"},
-                     {"event": 7, "description": "Porch", "date": "2026-11-21",
-                      "time": "2026-11-21T16:04:00+01:00", "base": "sunset"}]
-            if days > "2027":
+            found = []
+            if re.search("to=([0-9-]+)", request.path).group(1) > "2027":
                 found.append({"event": 9, "description": "Bins", "date": "2027-05-01",
                               "time": "2027-05-01T07:00:00+02:00", "base": "clock"})
             return {"occurrences": found, "truncated": False}
 
-        house = self.serve({"GET /occurrences": occurrences, "GET /events": events(
-            event(), event(9, "Bins", time={"base": "clock", "minutes": 420, "spread": 0},
-                           programming={"enabled": False, "actions": 1}))})
-        result = run("next", "-n", "2", url=house.url)
+        spread = {"base": "clock", "minutes": 0, "spread": 90}
+        house = self.serve({
+            "GET /occurrences": occurrences,
+            "GET /today": {"date": "2026-11-21", "occurrences": [
+                today(1, "fired", "17:00", "16:01"), today(2, "pending", "17:30", "18:50"),
+                today(3, "pending", "18:00", "18:00"), today(4, "pending", "19:00", None)]},
+            "GET /events": events(
+                event(2, time=spread), event(3), event(4, time=spread),
+                event(9, "Bins", programming={"enabled": False, "actions": 1}))})
+        result = run("next", "-n", "4", url=house.url)
         self.assertEqual(result.out.splitlines(), [
             "WHEN                  ID  DESCRIPTION  BY",
-            "Sat 2026-11-21 16:04   7  Porch        sunset  ±10 min",
-            "Sat 2027-05-01 07:00   9  Bins         clock   disabled, 1 action"])
+            "Sat 2026-11-21 18:00   3  e3           clock",
+            "Sat 2026-11-21 18:50   2  e2           clock  planned Sat 2026-11-21 17:30",
+            "Sat 2026-11-21 19:00   4  e4           clock  ±1h30",
+            "Sat 2027-05-01 07:00   9  Bins         clock  ±10, disabled, 1 action"])
+        self.assertEqual([re.search("from=(.*)&to=(.*)&limit=(.*)", r.path).groups()
+                          for r in house.requests if "/occurrences" in r.path],
+                         [("2026-11-22", "2026-11-23", "1"), ("2026-11-22", "2026-12-22", "1"),
+                          ("2026-11-22", "2027-11-22", "1")])
+        result = run("next", "-n", "1", "--json", url=house.url)
+        self.assertEqual([o["event"] for o in json.loads(result.out)["occurrences"]], [3])
+
+    def test_what_comes_next_of_one_event(self):
+        house = self.serve({"GET /events/7": event(), "GET /events": events(event()),
+                            "GET /today": {"date": "2026-11-21", "occurrences": []},
+                            "GET /occurrences": {"occurrences": [], "truncated": False}})
+        result = run("next", "7", url=house.url)
+        self.assertEqual(result.out, "nothing comes in the next ten years\n")
+        self.assertTrue(all("&event=7" in r.path for r in house.requests
+                            if "/occurrences" in r.path))
 
     def test_occurrences_have_their_days(self):
         house = self.serve({"GET /occurrences": {"occurrences": [], "truncated": True}})
@@ -367,7 +391,7 @@ class WhatIsShown(ClientTest):
         house = self.serve({"POST /conditions/test": answer})
         result = run("test", "time", "between", "22:00", "and", "02:00", url=house.url)
         self.ends(result, 0)
-        self.assertEqual(result.out, "true: the time is between 22:00 and 02:00; it is 23:10\n")
+        self.assertEqual(result.out, "holds: the time is between 22:00 and 02:00 (now it is 23:10)\n")
         self.assertEqual(house.requests[-1].json, {"condition": {
             "kind": "time", "is": "between", "from": "22:00", "to": "02:00"}})
         house.routes["POST /conditions/test"] = answer | {"result": False}

@@ -1,9 +1,11 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <map>
 
 #include "controller/cli/commands/ClientCommands.h"
 #include "controller/cli/commands/FindEvent.h"
 #include "controller/cli/commands/Session.h"
+#include "controller/cli/parse/DurationText.h"
 #include "controller/cli/show/EventText.h"
 #include "controller/cli/show/MomentText.h"
 #include "controller/cli/show/Table.h"
@@ -17,54 +19,83 @@ struct NextLine : ClientOptions {
   std::size_t count = 10;
 };
 
-/// As far ahead as one request may look.
+/// How far ahead requests look, one after the other.
 constexpr long kDays[] = {2, 31, 366, 3650};
 
-/// How many occurrences of today may have passed before those that are wanted.
-constexpr std::size_t kMostAsked = 10000;
+bool IsOf(const Json& occurrence, const Json& event) {
+  return event.is_null() || occurrence.at("event") == event.at("id");
+}
 
-/// The occurrences from `now` on, at most `count`.
-Json Coming(const Json& occurrences, const std::string& now, std::size_t count) {
-  Json coming = Json::array();
-  for (const Json& occurrence : occurrences) {
-    if (coming.size() == count) break;
-    // Moments of one day compare as texts but for a change of the clocks between them, and that is
-    // in the night: at worst something of this hour is left out or shown.
-    if (occurrence.at("time").get<std::string>().substr(0, 16) < now.substr(0, 16)) continue;
-    coming.push_back(occurrence);
+/// What is still to come today. Only the controller knows what has fired already: a random part may
+/// have led before the planned time, or will lead behind it.
+Json Pending(const Json& today, const Json& event) {
+  Json pending = Json::array();
+  for (const Json& occurrence : today.at("occurrences")) {
+    if (occurrence.at("state") != "pending" || !IsOf(occurrence, event)) continue;
+    pending.push_back({{"event", occurrence.at("event")},
+                       {"description", occurrence.at("description")},
+                       {"date", today.at("date")},
+                       {"time", occurrence.at("planned")},
+                       {"base", occurrence.at("base")},
+                       {"due", occurrence.at("due")}});
+  }
+  return pending;
+}
+
+/// When it comes, as far as that is known.
+std::string DueText(const Json& occurrence) {
+  const bool known = occurrence.contains("due") && occurrence["due"].is_string();
+  return occurrence.at(known ? "due" : "time").get<std::string>();
+}
+
+/// Those of later days, until there are enough of them or there are no more.
+void AddLaterDays(Json& coming, Session& session, const std::string& today, const Json& event,
+                  std::size_t count) {
+  const std::string from = DaysLater(today, 1);
+  const std::size_t wanted = count - coming.size();
+  Json later = Json::array();
+  for (const long days : kDays) {
+    if (later.size() >= wanted) break;
+    Api::Query query = {
+        {"from", from}, {"to", DaysLater(today, days)}, {"limit", std::to_string(wanted)}};
+    if (!event.is_null()) query.emplace_back("event", event.at("id").dump());
+    later = session.api.Get("/occurrences", query).at("occurrences");
+  }
+  for (const Json& occurrence : later) coming.push_back(occurrence);
+}
+
+Json FindNext(const NextLine& line, Session& session, const Json& event) {
+  const Json today = session.api.Get("/today");
+  Json coming = Pending(today, event);
+  std::stable_sort(coming.begin(), coming.end(),
+                   [](const Json& a, const Json& b) { return DueText(a) < DueText(b); });
+  if (coming.size() > line.count) {
+    coming.erase(coming.begin() + static_cast<std::ptrdiff_t>(line.count), coming.end());
+  }
+  if (coming.size() < line.count) {
+    AddLaterDays(coming, session, today.at("date").get<std::string>(), event, line.count);
   }
   return coming;
 }
 
-Json FindNext(const NextLine& line, Session& session, const Json& event) {
-  const std::string now = session.api.Get("/project").at("now").get<std::string>();
-  const std::string today = now.substr(0, 10);
-  for (const long days : kDays) {
-    Api::Query query = {
-        {"from", today}, {"to", DaysLater(today, days)}, {"limit", std::to_string(kMostAsked)}};
-    if (!event.is_null()) query.emplace_back("event", event.at("id").dump());
-    const Json answer = session.api.Get("/occurrences", query);
-    Json coming = Coming(answer.at("occurrences"), now, line.count);
-    const bool last = days == kDays[std::size(kDays) - 1];
-    if (coming.size() == line.count || last || answer.value("truncated", false)) return coming;
-  }
-  return Json::array();
+/// The events that there are, by their ids.
+std::map<std::string, Json> EventsById(Session& session) {
+  std::map<std::string, Json> byId;
+  const Json all = session.api.Events();
+  for (const Json& event : all.at("events")) byId[event.at("id").dump()] = event;
+  return byId;
 }
 
-/// By event, what keeps it from doing something or changes when it comes.
-std::map<std::string, std::string> Notes(Session& session) {
-  std::map<std::string, std::string> notes;
-  const Json all = session.api.Events();
-  for (const Json& event : all.at("events")) {
-    const Json& programming = event.at("programming");
-    const long spread = event.contains("time") ? event["time"].value("spread", 0L) : 0;
-    std::string note = spread > 0 ? "±" + std::to_string(spread) + " min" : "";
-    if (IsAsleep(programming)) {
-      note += (note.empty() ? "" : ", ") + ProgrammingStateText(programming);
-    }
-    notes[event.at("id").dump()] = note;
-  }
-  return notes;
+/// What may change when it comes, and what keeps the event from doing something.
+std::string NoteText(const Json& occurrence, const Json& event) {
+  const std::string planned = occurrence.at("time").get<std::string>();
+  const long spread =
+      event.is_object() && event.contains("time") ? event["time"].value("spread", 0L) : 0;
+  const bool isDue = occurrence.contains("due") && occurrence["due"].is_string();
+  std::string note = isDue || spread == 0 ? "" : "±" + MinutesText(spread);
+  if (DueText(occurrence) != planned) note = "planned " + MomentText(planned);
+  if (!event.is_object() || !IsAsleep(event.at("programming"))) return note;
+  return note + (note.empty() ? "" : ", ") + ProgrammingStateText(event["programming"]);
 }
 
 void WriteNext(Session& session, const Json& coming) {
@@ -72,12 +103,14 @@ void WriteNext(Session& session, const Json& coming) {
     session.terminal.out << "nothing comes in the next ten years\n";
     return;
   }
-  std::map<std::string, std::string> notes = Notes(session);
+  const std::map<std::string, Json> events = EventsById(session);
   Table table({{"WHEN"}, {"ID", true}, {"DESCRIPTION", false, true}, {"BY"}, {""}});
   for (const Json& occurrence : coming) {
     const std::string id = occurrence.at("event").dump();
-    table.Add({MomentText(occurrence.at("time").get<std::string>()), id,
-               occurrence.value("description", ""), occurrence.value("base", ""), notes[id]});
+    const auto event = events.find(id);
+    table.Add({MomentText(DueText(occurrence)), id, occurrence.value("description", ""),
+               occurrence.at("base").is_string() ? occurrence["base"].get<std::string>() : "",
+               NoteText(occurrence, event == events.end() ? Json(nullptr) : event->second)});
   }
   table.Write(session.terminal);
 }
@@ -103,7 +136,7 @@ void AddNextCommand(CLI::App& app, CommandRun& run) {
   command->add_option("-n,--count", line->count, "How many occurrences. Default: 10")
       ->type_name("N")
       ->check(CLI::Range(1, 1000).description(""));
-  command->footer("Random parts are not in it: they are drawn on the day.\n\n" +
+  command->footer("A random part is in it where it is drawn already: on the day itself.\n\n" +
                   ClientExitStatuses());
 }
 

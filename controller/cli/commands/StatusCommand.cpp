@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <utility>
 
 #include "controller/Printable.h"
 #include "controller/cli/commands/ClientCommands.h"
@@ -18,20 +19,21 @@ std::string NextText(const Json& next) {
 
 /// "12 fired (10 timer, 2 by-hand)"
 std::string CountText(const Json& counts, const std::string& name) {
-  if (!counts.contains(name) || !counts[name].is_object()) return {};
+  if (!counts.contains(name) || !counts[name].is_object() || counts[name].empty()) return {};
   std::size_t total = 0;
   std::string parts;
   for (const auto& [reason, count] : counts[name].items()) {
     total += count.get<std::size_t>();
     parts += (parts.empty() ? "" : ", ") + count.dump() + ' ' + reason;
   }
-  return std::to_string(total) + ' ' + name + (parts.empty() ? "" : " (" + parts + ')');
+  return std::to_string(total) + ' ' + name + " (" + parts + ')';
 }
 
 void AddCounts(Fields& fields, const Json& counts) {
+  std::string title = "since then";
   for (const char* name : {"fired", "held", "missed", "actions"}) {
     const std::string text = CountText(counts, name);
-    if (!text.empty()) fields.Add(name == std::string("fired") ? "since then" : "", text);
+    if (!text.empty()) fields.Add(std::exchange(title, ""), text);
   }
 }
 
@@ -50,7 +52,8 @@ void Write(const Session& session, const Json& project, const Json& status) {
   Fields fields;
   fields.Add("controller", session.api.Http().Address() + ", version " +
                                status.value("version", project.value("version", "?")));
-  fields.Add("project", project.value("name", ""));
+  const std::string name = project.value("name", "");
+  if (!name.empty()) fields.Add("project", name);
   fields.Add("now", ExactMomentText(status.at("now").get<std::string>()) + ' ' +
                         status.at("timezone").value("name", ""));
   fields.Add("events", status.at("events").dump());

@@ -25,11 +25,11 @@ int Test(const TestLine& line, Session& session) {
     session.WriteJson(answer);
     return result ? 0 : kDoesNotHold;
   }
-  session.terminal.out << session.terminal.Styled(result ? "true" : "false",
+  session.terminal.out << session.terminal.Styled(result ? "holds" : "does not hold",
                                                   result ? Style::kGood : Style::kWarning)
                        << ": " << Printable(answer.value("text", text));
   const std::string because = answer.value("because", "");
-  if (!because.empty()) session.terminal.out << "; " << Printable(because);
+  if (!because.empty()) session.terminal.out << " (now " << Printable(because) << ')';
   session.terminal.out << '\n';
   return result ? 0 : kDoesNotHold;
 }
