@@ -4,10 +4,11 @@ answers as it is told to."""
 import json
 import os
 import re
+import subprocess
 import tempfile
 import unittest
 
-from client import run
+from client import PROGRAM, environment, run
 from fake_controller import Answer, FakeController, problem
 
 PROJECT = {"id": "x", "name": "House", "away_until": None, "now": "2026-11-21T16:04:00+01:00",
@@ -560,8 +561,6 @@ class HowItEnds(ClientTest):
     def test_an_output_that_cannot_be_written(self):
         house = self.serve({"GET /events": events(event())})
         with open("/dev/full", "w", encoding="ascii") as full:
-            import subprocess
-            from client import PROGRAM, environment
             done = subprocess.run([PROGRAM, "list"], env=environment(VEXALINK_URL=house.url),
                                   stdout=full, stderr=subprocess.PIPE, check=False, timeout=60)
         self.assertEqual(done.returncode, 1)

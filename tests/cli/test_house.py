@@ -3,6 +3,7 @@
 import json
 import os
 import re
+import select
 import signal
 import subprocess
 import tempfile
@@ -51,7 +52,9 @@ class House(unittest.TestCase):
         return result.out if status in (0, 10) else result.err
 
     def json(self, *arguments, status=0):
-        return json.loads(self.do(*arguments, "--json", status=status))
+        result = run(*arguments, "--json", url=self.url)
+        self.assertEqual(result.status, status, result)
+        return json.loads(result.out)
 
     def test_an_event_lives_and_comes_back(self):
         self.assertIn("there are no events", self.do("list"))
@@ -127,7 +130,7 @@ class House(unittest.TestCase):
         self.assertEqual(self.do("away", "off"), "the house is not away\n")
 
     def test_it_tells_what_comes(self):
-        self.do("add", "Noon", "--at", "noon", "--every", "day")
+        self.do("add", "Noon", "--at", "noon", "--every", "day", "--until", "2099-01-01")
         self.do("add", "Leap day", "--at", "sunrise", "--start", "2096-02-29")
         listed = self.json("occurrences", "Noon", "--from", "2096-02-28", "--to", "2096-03-01")
         self.assertEqual([o["date"] for o in listed["occurrences"]],
@@ -186,7 +189,6 @@ class House(unittest.TestCase):
             self.assertEqual(watch.stop(), 0)
 
     def readable(self, watch):
-        import select
         return select.select([watch.process.stdout], [], [], 0.1)[0]
 
     def test_nobody_answers_once_it_has_ended(self):
