@@ -31,8 +31,7 @@ std::unique_ptr<WebFace> OpenWebFace(Controller& controller, const ServeOptions&
   } catch (const Failure& failure) {
     if (!unasked) throw;
     // The house is to be looked after, whoever else has taken the place that nobody asked for.
-    Log::Error(std::string(failure.what()) +
-               ". The schedule runs, but has neither page nor API; give another --listen");
+    Log::Warning(std::string(failure.what()) + ". The schedule runs, but has neither page nor API");
     return nullptr;
   }
 }
