@@ -40,7 +40,7 @@ export function newDraft({day, minutes}, params) {
     time: {base: 'clock', minutes: asked ?? hour, spread: 0}});
 }
 
-const whole = (text) => (/^\s*[+-]?\d{1,9}\s*$/.test(text) ? Number(text) : null);
+const whole = (text) => (/^\s*\d{1,9}\s*$/.test(text) ? Number(text) : null);
 
 /** {event, errors}: what to send, and [{pointer, detail}] of what cannot be read. */
 export function read(draft) {

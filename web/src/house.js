@@ -47,6 +47,11 @@ class House extends EventTarget {
     this.dispatchEvent(new CustomEvent(topic, {detail}));
   }
 
+  /** What it is called; it may have no name. */
+  name() {
+    return this.project.name || 'Vexalink';
+  }
+
   /** The house's present moment, in milliseconds of the epoch. */
   nowMs() {
     return Date.now() + this.#ahead;

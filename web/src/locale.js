@@ -98,17 +98,22 @@ export const hasText = (key) => strings.en[key] !== undefined;
 
 const formats = new Map();
 
-function format(day, options) {
+function formatOf(options) {
   const key = locale() + JSON.stringify(options);
   if (!formats.has(key)) {
     formats.set(key, new Intl.DateTimeFormat(locale(), {...options, timeZone: 'UTC'}));
   }
-  return formats.get(key).format(dayMs(day));
+  return formats.get(key);
 }
+
+const format = (day, options) => formatOf(options).format(dayMs(day));
 
 /** "21 Nov 2026" */
 export const dateText = (day) =>
   format(day, {day: 'numeric', month: 'short', year: 'numeric'});
+/** "16–22 Nov 2026" */
+export const rangeText = (from, to) =>
+  formatOf({day: 'numeric', month: 'short', year: 'numeric'}).formatRange(dayMs(from), dayMs(to));
 /** "Saturday, 21 November 2026" */
 export const longDate = (day) =>
   format(day, {weekday: 'long', day: 'numeric', month: 'long', year: 'numeric'});

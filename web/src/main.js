@@ -49,7 +49,7 @@ function show(focus) {
   main.replaceChildren();
   const route = routeOf(location.hash);
   view = route.make(main, route);
-  document.title = `${view.title} – ${house.project.name}`;
+  document.title = `${view.title} – ${house.name()}`;
   drawNav(route.path.split('/')[0]);
   if (focus && !view.focused) {
     main.querySelector('h1')?.focus({preventScroll: true});
@@ -64,8 +64,8 @@ function drawNav(current) {
 
 /** What a wrong zone or place would show in. */
 function drawHead() {
-  const {name, place, timezone, away_until: away} = house.project;
-  document.getElementById('name').textContent = name;
+  const {place, timezone, away_until: away} = house.project;
+  document.getElementById('name').textContent = house.name();
   const {sun: ofDay} = house;
   const sunText = ofDay?.polar ? [h('span', null, t(`head.polar.${ofDay.polar}`))] : ofDay && [
     h('span', {class: 'rise'}, icon('sunrise'), h('span', {class: 'unseen'}, t('say.sunrise')), ' ', timeText(wall(ofDay.sunrise).minutes)),

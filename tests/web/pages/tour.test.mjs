@@ -70,7 +70,7 @@ const steps = {
     await word('Calendar');
     await word('Week', 'button');
     await page.getByRole('button', {name: 'Later'}).click();
-    await page.locator('.column .chip', {hasText: 'Porch'}).nth(2).click();
+    await page.locator('.column .chip').filter({has: page.getByText('Porch', {exact: true})}).nth(2).click();
     await word('Move…', 'button');
     const dialog = page.getByRole('dialog', {name: 'Move “Porch”'});
     const time = dialog.getByLabel('at', {exact: true});

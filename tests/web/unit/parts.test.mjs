@@ -19,18 +19,38 @@ test('a stream is cut into its events wherever it breaks', () => {
 
 const at = (...minutes) => minutes.map((one, event) => ({event, minutes: one}));
 
-test('occurrences that cover each other stand side by side', () => {
+test('occurrences that would cover each other stand one below the other', () => {
   const blocks = arranged(at(600, 610, 700), 3);
-  assert.deepEqual(blocks.map(({lane, of}) => [lane, of]), [[0, 2], [1, 2], [0, 1]]);
+  assert.deepEqual(blocks.map(({minutes, lane, of}) => [minutes, lane, of]), [[600, 0, 1], [632, 0, 1], [700, 0, 1]]);
+});
+
+test('where they would be pushed too far they stand side by side', () => {
+  const blocks = arranged(at(600, 600, 600, 610, 620), 3);
+  assert.deepEqual(blocks.map(({of}) => of), [2, 2, 2, 2, 2]);
+  for (const {occurrence, minutes} of blocks) {
+    assert.ok(minutes >= occurrence.minutes && minutes - occurrence.minutes <= 48);
+  }
+  for (const one of blocks) {
+    for (const other of blocks) {
+      assert.ok(one === other || one.lane !== other.lane || Math.abs(one.minutes - other.minutes) >= 32, 'none covers another');
+    }
+  }
+});
+
+test('a crowd ends where its lanes do', () => {
+  const blocks = arranged(at(600, 600, 600, 700), 2);
+  assert.deepEqual(blocks.map(({of}) => of), [2, 2, 2, 1]);
 });
 
 test('of a crowd the last place counts the rest, and none is lost', () => {
-  const blocks = arranged(at(...Array.from({length: 50}, (_, index) => 600 + index)), 3);
-  const shown = blocks.filter(({more}) => !more).length;
-  const counted = blocks.reduce((sum, {more = 0}) => sum + more, 0);
-  assert.equal(shown + counted, 50);
-  assert.ok(counted > 0);
-  for (const {lane, of} of blocks) assert.ok(lane < of && of <= 3);
+  for (const lanes of [1, 2, 3, 6]) {
+    const blocks = arranged(at(...Array.from({length: 50}, (_, index) => 600 + index)), lanes);
+    const shown = blocks.filter(({more}) => !more).length;
+    const counted = blocks.reduce((sum, {more = 0}) => sum + more, 0);
+    assert.equal(shown + counted, 50);
+    assert.ok(counted > 0);
+    for (const {lane, of} of blocks) assert.ok(lane < of && of <= lanes);
+  }
 });
 
 test('a place is read in the ways people write it', () => {

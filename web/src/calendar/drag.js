@@ -36,13 +36,17 @@ export function dragging(stage, dropped) {
     held = null;
   };
 
+  const scrolled = () => stage.querySelector('.scroll')?.scrollTop ?? 0;
+
   const targetAt = (x, y) => {
     const place = document.elementFromPoint(x, y)?.closest('[data-day]');
     if (!place || !stage.contains(place)) return null;
     const {minutes} = held.chip.occurrence;
-    if (place.dataset.hours === undefined) return {place, date: place.dataset.day, minutes};
-    const above = y - held.grip - place.getBoundingClientRect().top;
-    const at = Math.round(above / HOUR_PX * 60 / STEP_MINUTES) * STEP_MINUTES;
+    const moved = y - held.y + scrolled() - held.scrolled;
+    const steps = Math.round(moved / HOUR_PX * 60 / STEP_MINUTES);
+    // To another day only: the minute stays as it was.
+    if (place.dataset.hours === undefined || steps === 0) return {place, date: place.dataset.day, minutes};
+    const at = (Math.round(minutes / STEP_MINUTES) + steps) * STEP_MINUTES;
     return {place, date: place.dataset.day, minutes: Math.max(0, Math.min(1435, at))};
   };
 
@@ -68,8 +72,7 @@ export function dragging(stage, dropped) {
     pointerdown: (event) => {
       const chip = event.target.closest?.('[data-drag]');
       if (!chip || event.button !== 0 || held) return;
-      const grip = event.clientY - chip.getBoundingClientRect().top;
-      held = {chip, x: event.clientX, y: event.clientY, grip, touch: event.pointerType === 'touch'};
+      held = {chip, x: event.clientX, y: event.clientY, scrolled: scrolled(), touch: event.pointerType === 'touch'};
       if (held.touch) held.timer = setTimeout(start, PRESS_MS);
     },
     pointermove: (event) => {

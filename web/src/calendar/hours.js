@@ -8,7 +8,10 @@ import {chip, clockChangeMark} from './chip.js';
 
 export const HOUR_PX = 44;
 const CHIP_MINUTES = 32; // as high as a chip is
-const LANES = {week: 3, day: 8, narrow: 3};
+const PUSHED_MINUTES = 48;
+const LANES = {week: 2, day: 6, narrow: 2};
+/** Below midnight, for what is pushed there. */
+const FOOT_MINUTES = 84;
 
 const top = (minutes) => `${(minutes * HOUR_PX / 60).toFixed(1)}px`;
 
@@ -24,7 +27,7 @@ export function hours(context) {
     h('div', {class: 'heads'}, h('span', {class: 'corner'}), list.map((day) => head(day, context))),
     h('div', {class: 'scroll', tabindex: '0', role: 'region', 'aria-label': t('calendar.hours'),
       'data-scroll': String(begin * HOUR_PX / 60)},
-    h('div', {class: 'columns', style: {height: top(1440)}},
+    h('div', {class: 'columns', style: {height: top(1440 + FOOT_MINUTES)}},
       h('div', {class: 'ruler', 'aria-hidden': 'true'}, hourMarks()),
       list.map((day) => column(day, lanes, context)))));
 }
@@ -72,7 +75,7 @@ function daylight(sun) {
 }
 
 function placed({occurrence, minutes, lane, of, more}, open, day) {
-  const style = {top: top(Math.min(minutes, 1440 - CHIP_MINUTES)),
+  const style = {top: top(minutes),
     left: `calc(${lane} / ${of} * 100%)`, width: `calc(100% / ${of} - 2px)`};
   if (!more) {
     const element = chip(occurrence, open);
@@ -85,42 +88,64 @@ function placed({occurrence, minutes, lane, of, more}, open, day) {
 }
 
 /**
- * Places side by side what would cover each other, in at most `lanes`; of a crowd the last place says
- * how many more there are.
+ * Places what would cover each other: one below the other as long as none is pushed far from its time,
+ * else side by side in at most `lanes`. Of a crowd that is too much even so, the last lane says how
+ * many more there are. Answers with blocks: `minutes` is where one begins, in lane `lane` of `of`.
  */
 export function arranged(occurrences, lanes) {
   const blocks = [];
-  for (let index = 0; index < occurrences.length;) {
-    const crowd = [];
-    const ends = [];
-    let until = -1;
-    while (index < occurrences.length && (crowd.length === 0 || occurrences[index].minutes < until)) {
-      const occurrence = occurrences[index++];
-      let lane = ends.findIndex((end) => end <= occurrence.minutes);
-      if (lane < 0) lane = ends.length;
-      ends[lane] = occurrence.minutes + CHIP_MINUTES;
-      until = Math.max(until, ends[lane]);
-      crowd.push({occurrence, minutes: occurrence.minutes, lane});
-    }
-    blocks.push(...fitted(crowd, ends.length, lanes));
+  for (let begin = 0; begin < occurrences.length;) {
+    const crowd = crowdFrom(occurrences, begin, lanes);
+    blocks.push(...crowd.blocks);
+    begin = crowd.end;
   }
   return blocks;
 }
 
-function fitted(crowd, used, lanes) {
-  if (used <= lanes) return crowd.map((block) => ({...block, of: used}));
-  // One that is alone in a lane too many is better shown than counted, so the last lane goes too.
-  const kept = crowd.filter(({lane}) => lane < lanes - 1).map((block) => ({...block, of: lanes}));
-  const rest = crowd.filter(({lane}) => lane >= lanes - 1);
-  const result = [...kept];
+/** The next of them that touch each other, in as few lanes as will do: {blocks, end}. */
+function crowdFrom(occurrences, begin, lanes) {
+  for (let of = 1; of <= lanes; ++of) {
+    const crowd = packed(occurrences, begin, of, of);
+    if (crowd.rest.length === 0) return crowd;
+  }
+  const crowd = packed(occurrences, begin, lanes, lanes - 1);
+  return {blocks: [...crowd.blocks, ...counted(crowd.rest, lanes)], end: crowd.end};
+}
+
+/**
+ * Fills the first `used` of `of` lanes until one comes that touches none before it. `rest` are those
+ * that would have been pushed too far.
+ */
+function packed(occurrences, begin, of, used) {
+  const ends = Array(used).fill(-1);
+  const blocks = [];
+  const rest = [];
+  let index = begin;
+  let until = Infinity;
+  for (; index < occurrences.length && (index === begin || occurrences[index].minutes < until); ++index) {
+    const occurrence = occurrences[index];
+    const lane = ends.indexOf(Math.min(...ends));
+    const minutes = Math.max(occurrence.minutes, ends[lane] ?? 0);
+    if (lane < 0 || minutes - occurrence.minutes > PUSHED_MINUTES) {
+      rest.push(occurrence);
+    } else {
+      ends[lane] = minutes + CHIP_MINUTES;
+      blocks.push({occurrence, minutes, lane, of});
+    }
+    until = Math.max(...ends, ...rest.slice(-1).map((one) => one.minutes + CHIP_MINUTES));
+  }
+  return {blocks, rest, end: index};
+}
+
+/** What found no place, as the numbers of what is there; one alone is shown after all. */
+function counted(rest, of) {
+  const blocks = [];
   for (let index = 0; index < rest.length;) {
     const {minutes} = rest[index];
-    let count = 0;
-    while (index < rest.length && rest[index].minutes < minutes + CHIP_MINUTES) {
-      ++count;
-      ++index;
-    }
-    result.push({minutes, lane: lanes - 1, of: lanes, more: count});
+    const first = index;
+    while (index < rest.length && rest[index].minutes < minutes + CHIP_MINUTES) ++index;
+    const more = index - first;
+    blocks.push(more === 1 ? {occurrence: rest[first], minutes, lane: of - 1, of} : {minutes, lane: of - 1, of, more});
   }
-  return result;
+  return blocks;
 }

@@ -9,7 +9,7 @@ import {month} from '../calendar/month.js';
 import {addDays, addMonths, FIRST_DAY, firstOfMonth, isDay, LAST_DAY, startOfWeek, wall} from '../dates.js';
 import {button, h, icon, iconButton, replace} from '../dom.js';
 import {house} from '../house.js';
-import {dateText, firstWeekday, longDate, monthText, t} from '../locale.js';
+import {firstWeekday, longDate, monthText, rangeText, t} from '../locale.js';
 import {failed} from '../notices.js';
 import {showEvent} from '../sheet.js';
 
@@ -49,7 +49,7 @@ function titleOf(kind, day) {
   const [from, to] = rangeOf(kind, day);
   if (kind === 'month') return monthText(day);
   if (kind === 'day') return longDate(day);
-  return `${dateText(from)} – ${dateText(to)}`;
+  return rangeText(from, to);
 }
 
 /** "phone" shows less of a day. */

@@ -82,16 +82,20 @@ export function event(root, {id}) {
     location.hash = '#/events';
   }
 
+  function draw(value) {
+    dirty = false;
+    form?.end();
+    if (value.odd) return replace(body, oddNote(value));
+    form = eventForm(draftOf(value), {id, saveLabel: t('save'), onChange: () => { dirty = true; }, onSave: (wanted) => save(wanted, value)});
+    form.element.addEventListener('failed', ({detail}) => failed(detail));
+    replace(body, value.programming?.actions === 0 && idleNote(), form.element);
+  }
+
   async function read() {
     try {
       const {value, tag: version} = await api.getVersioned(`/events/${id}`);
       tag = version;
-      dirty = false;
-      form?.end();
-      if (value.odd) return replace(body, oddNote(value));
-      form = eventForm(draftOf(value), {id, saveLabel: t('save'), onChange: () => { dirty = true; }, onSave: (wanted) => save(wanted, value)});
-      form.element.addEventListener('failed', ({detail}) => failed(detail));
-      replace(body, value.programming?.actions === 0 && idleNote(), form.element);
+      draw(value);
     } catch (error) {
       if (error.status !== 404) return failed(error);
       replace(body, h('p', null, t('event.goneText')), h('a', {class: 'button', href: '#/events'}, t('nav.events')));
@@ -105,16 +109,25 @@ export function event(root, {id}) {
 
   async function save(wanted, before) {
     saving = true;
+    dirty = false;
     try {
       const response = await put(wanted);
-      if (!response) return;
-      dirty = false;
+      if (!response) {
+        dirty = true;
+        return;
+      }
+      tag = response.headers.get('ETag');
+      const saved = await response.json();
+      // Whoever typed on meanwhile keeps that.
+      if (!dirty) draw(saved);
       const {description, start, time, repeat} = before;
       notice(t('form.saved', wanted), {undo: async () => {
         await api.put(`/events/${id}`, {description, start, time: deeds.timeToSend(time), repeat});
         await read();
       }});
-      await read();
+    } catch (error) {
+      dirty = true;
+      throw error;
     } finally {
       saving = false;
     }

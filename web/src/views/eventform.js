@@ -23,7 +23,8 @@ export function eventForm(draft, {id, onSave, onChange, saveLabel}) {
   const preview = h('section', {class: 'card preview', 'aria-label': t('form.preview')});
   const words = h('div', {class: 'sentence'});
   const save = h('button', {class: 'primary', 'data-key': 'save'}, saveLabel);
-  let touched = Boolean(id);
+  // Whether the name was written, so that one that is missing is worth a word.
+  let named = Boolean(id);
 
   /** A control bound to draft[name]; errors under `pointer` stand below the sentence, named by it. */
   const bind = (control, name, pointer, label) => {
@@ -31,6 +32,7 @@ export function eventForm(draft, {id, onSave, onChange, saveLabel}) {
     control.dataset.key = name;
     if (pointer) spotOf(pointer).controls.push(control);
     control.addEventListener('input', () => {
+      named ||= name === 'description';
       draft[name] = control.value;
       changed();
     });
@@ -159,7 +161,6 @@ export function eventForm(draft, {id, onSave, onChange, saveLabel}) {
   let timer = null;
   let asked = null;
   function changed() {
-    touched = true;
     onChange?.();
     clearTimeout(timer);
     timer = setTimeout(look, WAIT_MS);
@@ -169,10 +170,10 @@ export function eventForm(draft, {id, onSave, onChange, saveLabel}) {
     asked?.abort();
     asked = new AbortController();
     const {event, errors} = read(draft);
-    const unnamed = !event.description && !touched;
     // Without a name there is still something to see.
     const problems = errors.filter(({pointer}) => pointer !== '/description');
-    showErrors(unnamed ? problems : errors);
+    const shown = named ? errors : problems;
+    showErrors(shown);
     if (problems.length) return replace(preview, previewHead(), h('p', {class: 'muted'}, t('form.incomplete')));
     try {
       const body = {...event, description: event.description || t('form.unnamed'), ...(id ? {id} : {})};
@@ -180,7 +181,7 @@ export function eventForm(draft, {id, onSave, onChange, saveLabel}) {
       drawPreview(answer);
     } catch (error) {
       if (error.name === 'AbortError') return;
-      const homeless = showErrors([...errors, ...error.errors]);
+      const homeless = showErrors([...shown, ...error.errors]);
       replace(preview, previewHead(), h('p', {class: 'error'},
         error.errors.length && !homeless.length ? t('form.incomplete') : [error.message, ...homeless].join('; ')));
     }
@@ -206,7 +207,7 @@ export function eventForm(draft, {id, onSave, onChange, saveLabel}) {
 
   async function submit(event) {
     event.preventDefault();
-    touched = true;
+    named = true;
     clearTimeout(timer);
     const {event: wanted, errors} = read(draft);
     showErrors(errors);

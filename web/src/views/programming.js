@@ -162,10 +162,19 @@ export function programming(root, {id}) {
     saving = true;
     try {
       const wanted = {...value, actions: value.actions.map(sendable)};
-      if (!await put(wanted)) return;
+      dirty = false;
+      const response = await put(wanted);
+      dirty ||= !response;
+      if (!response) return;
       notice(t('prog.saved'));
-      await read();
+      tag = response.headers.get('ETag');
+      const saved = await response.json();
+      // Whoever typed on meanwhile keeps that.
+      if (dirty) return;
+      value = saved;
+      draw();
     } catch (error) {
+      dirty = true;
       if (!error.errors?.length) throw error;
       showErrors(error.errors);
     } finally {

@@ -140,7 +140,7 @@ export function download(text, name, type = 'application/xml') {
   setTimeout(() => URL.revokeObjectURL(url), 10000);
 }
 
-const fileName = (suffix) => `${house.project.name.replace(/[^\p{L}\p{N}]+/gu, '-').replace(/^-|-$/g, '') || 'schedule'}-${suffix}.xml`;
+const fileName = (suffix) => `${house.name().replace(/[^\p{L}\p{N}]+/gu, '-').replace(/^-|-$/g, '')}-${suffix}.xml`;
 
 function exportCard() {
   return {element: section(t('project.export'), h('p', null, t('project.exportText')), button(t('project.exportDo'), async () => {
