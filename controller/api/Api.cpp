@@ -35,7 +35,7 @@ std::string Api::JournalRowText(const JournalRow& row) const {
   return JsonDump(JournalRowJson(row));
 }
 
-std::string Api::ProjectText() const { return JsonDump(ProjectJson(context_->house)); }
+std::string Api::ProjectText() const { return JsonDump(ProjectJson(*context_)); }
 
 std::vector<HttpRoute> ApiRoutes(House& house) { return Api(house).Routes(); }
 

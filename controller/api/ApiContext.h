@@ -14,9 +14,11 @@ namespace controller {
 
 /// What the resources share.
 struct ApiContext {
-  explicit ApiContext(House& ofWhich) : house(ofWhich) {}
+  explicit ApiContext(House& ofWhich) : house(ofWhich), projectId(house.Store().ProjectId()) {}
 
   House& house;
+  /// Read once: looking at the house must not have to wait for the disk.
+  std::string projectId;
   NextTimes nextTimes;
   Cities cities;
 };
@@ -57,7 +59,7 @@ std::string EventText(ApiContext& api, const FoundEvent& found);
 HttpResponse EventAnswer(ApiContext& api, unsigned long id, int status);
 
 nlohmann::ordered_json JournalRowJson(const JournalRow& row);
-nlohmann::ordered_json ProjectJson(House& house);
+nlohmann::ordered_json ProjectJson(const ApiContext& api);
 /// {"name": "Europe/Berlin", "abbreviation": "CET", "offset": "+01:00"}, at the moment.
 nlohmann::ordered_json TimeZoneJson(std::time_t moment);
 nlohmann::ordered_json PlaceJson(const Place& place);

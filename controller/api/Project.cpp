@@ -44,6 +44,9 @@ void ReadAway(ObjectReader& reader, ProjectPatch& patch) {
     patch.awayUntil.emplace(std::nullopt);
   } else if (const auto day = reader.Day("away_until", Need::kOptional)) {
     patch.awayUntil.emplace(day);
+    if (*day > LocalDay(std::time(nullptr))) return;
+    reader.Complain("away_until", "is " + Quoted(DayText(*day)) +
+                                      ", and that day has begun; give a later one, or null");
   }
 }
 
@@ -70,31 +73,31 @@ void CheckRole(const HttpRequest& request, const ProjectPatch& patch) {
                 "edit");
 }
 
-std::string ProjectTag(House& house) {
-  nlohmann::ordered_json json = ProjectJson(house);
+std::string ProjectTag(const ApiContext& api) {
+  nlohmann::ordered_json json = ProjectJson(api);
   for (const char* moving : {"now", "timezone", "events", "version"}) json.erase(moving);
   return EntityTag(JsonDump(json));
 }
 
-HttpResponse ProjectAnswer(House& house) {
-  HttpResponse response = JsonAnswer(ProjectJson(house));
-  response.headers.emplace_back("ETag", ProjectTag(house));
+HttpResponse ProjectAnswer(const ApiContext& api) {
+  HttpResponse response = JsonAnswer(ProjectJson(api));
+  response.headers.emplace_back("ETag", ProjectTag(api));
   return response;
 }
 
 void GetProject(ApiContext& api, const HttpRequest& request, const Respond& respond) {
   NoQuery(request);
-  respond(ProjectAnswer(api.house));
+  respond(ProjectAnswer(api));
 }
 
 void PatchProject(ApiContext& api, const HttpRequest& request, const Respond& respond) {
   NoQuery(request);
-  CheckIfMatch(request, ProjectTag(api.house));
+  CheckIfMatch(request, ProjectTag(api));
   const ProjectPatch patch = ReadPatch(JsonBody(request), api.house.WhereItIs().place);
   CheckRole(request, patch);
   SavedAnswer answer(respond);
   api.house.ChangeProject(patch, request.actor, answer.Callback());
-  answer.Set(ProjectAnswer(api.house));
+  answer.Set(ProjectAnswer(api));
 }
 
 void GetCities(ApiContext& api, const HttpRequest& request, const Respond& respond) {
@@ -117,11 +120,12 @@ nlohmann::ordered_json PlaceJson(const Place& place) {
   return nlohmann::ordered_json{{"latitude", place.latitude}, {"longitude", place.longitude}};
 }
 
-nlohmann::ordered_json ProjectJson(House& house) {
+nlohmann::ordered_json ProjectJson(const ApiContext& api) {
+  House& house = api.house;
   const std::time_t now = std::time(nullptr);
   const auto away = house.AwayUntil();
   nlohmann::ordered_json json;
-  json["id"] = house.Store().ProjectId();
+  json["id"] = api.projectId;
   json["name"] = ValidUtf8(house.Name());
   json["place"] = PlaceJson(house.WhereItIs().place);
   json["place"]["guessed"] = house.WhereItIs().guessed;

@@ -5,6 +5,7 @@
 #include <limits>
 #include <utility>
 
+#include "controller/Failure.h"
 #include "controller/Printable.h"
 #include "controller/api/JsonText.h"
 #include "controller/json/ObjectReader.h"
@@ -62,7 +63,12 @@ void AddRoute(Routes& routes, const char* method, const std::string& path, Role 
   route.handler = [body, handler = std::move(handler)](const HttpRequest& request,
                                                        Respond respond) {
     CheckBody(request, body);
-    handler(request, std::move(respond));
+    try {
+      handler(request, std::move(respond));
+    } catch (const Failure& failure) {
+      // The project's file cannot be read now, for example: the client may know what to do.
+      throw Problem("not-ready", failure.what());
+    }
   };
   routes.push_back(std::move(route));
 }

@@ -1,5 +1,6 @@
 """Every resource of a running controller, held against its description."""
 
+import sqlite3
 import time
 import unittest
 import xml.etree.ElementTree
@@ -115,6 +116,29 @@ class Resources(unittest.TestCase):
         self.house.kill()
         self.house.start()
         self.assertEqual(self.house.get("/events").json["total"], 4)
+
+    def test_a_change_that_cannot_be_saved_is_told_and_saved_later(self):
+        house = self.house
+        self.add(named("Before"))
+        other = sqlite3.connect(house.project, isolation_level=None)
+        self.addCleanup(other.close)
+        other.execute("BEGIN EXCLUSIVE")
+        answer = house.post("/events", named("Meanwhile"))
+        self.assertEqual((answer.status, answer.problem), (503, "not-saved"), answer)
+        self.assertIs(answer.json["applied"], True)
+        self.assertIs(house.get("/status").json["saving"]["ok"], False)
+        self.assertEqual(house.get("/project").json["events"], 2)
+        self.assertIn(b"Meanwhile", house.export())
+        unread = house.get("/journal")
+        self.assertEqual((unread.status, unread.problem), (503, "not-ready"), unread)
+        other.execute("ROLLBACK")
+        end = time.monotonic() + server.PATIENCE
+        while not house.get("/status").json["saving"]["ok"]:
+            self.assertLess(time.monotonic(), end, "it is not saved after all")
+            time.sleep(0.05)
+        house.kill()
+        house.start()
+        self.assertEqual(house.get("/events").json["total"], 2)
 
     def test_what_an_event_does(self):
         house = self.house

@@ -71,6 +71,7 @@ TEST_F(HouseResource, RefusesWhatIsNoPlaceOrName) {
       {R"({"place":{"longitude":null}})", "/place/longitude"},
       {R"({"place":{"guessed":true}})", "/place/guessed"},
       {R"({"away_until":"2026-02-30"})", "/away_until"},
+      {R"({"away_until":"2026-11-20"})", "/away_until"},
       {R"({"now":"2026-11-20T12:00:00+01:00"})", "/now"},
       {R"({"id":"x"})", "/id"},
   };
