@@ -96,11 +96,13 @@ class WhatIsSent(ClientTest):
 
     def test_a_dry_run_adds_nothing(self):
         house = self.serve({"POST /preview": PREVIEW})
-        result = run("add", "Porch", "--at", "sunset-30", "--dry-run", url=house.url)
+        result = run("add", "Porch", "--at", "sunset-30", "--run", "true", "--dry-run",
+                     url=house.url)
         self.ends(result, 0)
         self.assertEqual([r.path for r in house.requests], ["/api/v1/preview"])
         self.assertEqual(result.out.splitlines()[1:3],
                          ["next: Fri 2026-12-04 15:23", "next: Mon 2026-12-14 15:22"])
+        self.assertEqual(result.out.splitlines()[-1], "action: run true")
 
     def test_modify_sends_only_what_is_given(self):
         rows = [
@@ -142,11 +144,13 @@ class WhatIsSent(ClientTest):
             with self.subTest(options=options):
                 house = self.serve({
                     "GET /events/7": event(), "POST /preview": PREVIEW,
-                    "GET /events/7/programming": PLAIN | {"actions": [action]},
+                    "GET /events/7/programming": Answer(PLAIN | {"actions": [action]},
+                                                        headers={"ETag": '"p1"'}),
                     "PATCH /events/7/programming": PLAIN})
                 self.ends(run("modify", "7", *options, url=house.url), 0)
-                sent = [r.json for r in house.requests if r.method == "PATCH"]
-                self.assertEqual(sent, [{"actions": [changed]}])
+                sent = [r for r in house.requests if r.method == "PATCH"]
+                self.assertEqual([r.json for r in sent], [{"actions": [changed]}])
+                self.assertEqual(sent[0].headers["if-match"], '"p1"')
 
     def test_modify_does_not_guess_among_several_actions(self):
         house = self.serve({"GET /events/7": event(),
@@ -447,6 +451,15 @@ class WhichEvent(ClientTest):
                             ("orc", [event()])]:
             with self.subTest(name=name):
                 self.ends(self.find(name, *found), 0)
+
+    def test_may_be_called_by_a_number(self):
+        house = self.serve({"GET /events": events(event(8, "2026"), event(9, "x 2026")),
+                            "POST /events/8/run": Answer({"journal": 1}, 202)})
+        self.ends(run("run", "2026", url=house.url), 0)
+        house.routes["GET /events"] = events(event(9, "x 2026"))
+        result = run("run", "2026", url=house.url)
+        self.ends(result, 5)
+        self.assertIn('no event is called just "2026"; there is 9 "x 2026"', result.err)
 
     def test_is_not_guessed(self):
         result = self.find("gate lamp porch", event(8, "Porch lamp"), event(9, "porch gate"))

@@ -82,7 +82,7 @@ class House(unittest.TestCase):
         self.assertEqual(event["programming"]["actions"][0]["if"], {"kind": "time", "is": "night"})
 
         self.assertEqual(self.json("delete", "Back door"), {"deleted": [1]})
-        self.assertIn("there is no event 1", self.do("show", "1", status=5))
+        self.assertIn('there is no event "1"', self.do("show", "1", status=5))
         self.assertEqual(self.do("restore", "1"), 'restored event 1 "Back door"\n')
         self.assertEqual(self.json("show", "1")["programming"], event["programming"])
         kinds = [(row["kind"], row.get("reason")) for row in self.json("journal", "1")["rows"]]
@@ -172,7 +172,7 @@ class House(unittest.TestCase):
         self.do("add", "Porch", "--at", "noon")
         self.assertIn('is "Porch"', self.do("add", "Porch", "--at", "noon", status=4))
         self.assertIn("/description", self.do("add", "", "--at", "noon", status=4))
-        self.assertIn("there is no event 99", self.do("run", "99", status=5))
+        self.assertIn('there is no event "99"', self.do("run", "99", status=5))
         self.do("delete", "Porch", "--if-match", '"other"', status=4)
         self.do("restore", "55", status=5)
         version = self.json("show", "Porch")["version"]

@@ -44,6 +44,7 @@ int AddEvent(const AddLine& line, Session& session) {
       session.WriteJson(preview);
     } else {
       WritePreview(session, preview, kPreviewed);
+      WriteAction(session, programming);
     }
     return 0;
   }

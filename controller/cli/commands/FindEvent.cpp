@@ -31,12 +31,13 @@ std::string Candidates(const std::vector<Json>& events) {
   throw Failure(problem, ExitStatus::kNoSuchEvent);
 }
 
+/// Null where there is none.
 Json FindById(Api& api, const std::string& id) {
   try {
     return api.Get("/events/" + id);
   } catch (const Failure& failure) {
     if (failure.Status() != ExitStatus::kNoSuchEvent) throw;
-    FailToFind("there is no event " + id + "; \"vexalink list\" shows those that there are");
+    return nullptr;
   }
 }
 
@@ -57,7 +58,11 @@ const Json* WholeMatch(const std::vector<Json>& events, const std::string& name)
 }  // namespace
 
 Json FindEvent(Api& api, const std::string& name, Naming naming) {
-  if (ReadNumber(name, kLargestId)) return FindById(api, name);
+  if (ReadNumber(name, kLargestId)) {
+    Json event = FindById(api, name);
+    if (!event.is_null()) return event;
+    naming = Naming::kWhole;  // a description may be a number; a part of one is none
+  }
   if (name.empty()) FailToFind("the event's name is empty; give its id or its description");
   const auto events = api.Events(name).at("events").get<std::vector<Json>>();
   if (const Json* event = WholeMatch(events, name)) return *event;

@@ -2,6 +2,7 @@
 
 #include "controller/cli/commands/ClientCommands.h"
 #include "controller/cli/commands/FindEvent.h"
+#include "controller/cli/commands/KindOption.h"
 #include "controller/cli/commands/Session.h"
 #include "controller/cli/show/JournalText.h"
 #include "controller/cli/show/MomentText.h"
@@ -89,10 +90,7 @@ void AddJournalCommand(CLI::App& app, CommandRun& run) {
                        [line](Session& session) { return ShowJournal(*line, session); });
   command->alias("history");
   AddEventArgument(*command, line->name)->required(false);
-  command->add_option("--kind", line->kinds, "Only rows of this kind; may be given several times")
-      ->type_name("fired|held|missed|action|change|clock|controller")
-      ->type_size(1)
-      ->allow_extra_args(false);
+  AddKindOption(*command, line->kinds, "Only rows of this kind; may be given several times");
   command->add_option("--from", line->from, "From this day on")->type_name("DATE");
   command->add_option("--to", line->to, "Up to the end of this day")->type_name("DATE");
   command->add_option("--search", line->search, "Only rows with this in the description or text")

@@ -35,17 +35,25 @@ Json OnlyAction(const Json& programming, const Json& event) {
                 ExitStatus::kBadInput);
 }
 
-/// Null: nothing of it is to change.
-Json ProgrammingPatch(const ModifyLine& line, Session& session, const Json& event) {
+/// What is to change of what the event does.
+struct ProgrammingChange {
+  /// Null: nothing.
+  Json patch;
+  /// That it was made for; empty: it does not matter.
+  std::string version;
+};
+
+ProgrammingChange ChangeOfProgramming(const ModifyLine& line, Session& session, const Json& event) {
   Json patch = nullptr;
   if (line.catchUp) patch["catch_up"] = ParseCatchUp("--catch-up", *line.catchUp);
-  if (line.action.IsEmpty()) return patch;
+  if (line.action.IsEmpty()) return {patch, line.ifMatch};
   std::vector<std::string> notes;
   const Json programming = session.api.Get(EventPath(event, "/programming"));
   const Json action = ChangedAction(line.action, OnlyAction(programming, event), notes);
   patch["actions"] = Json::array({action});
   for (const std::string& note : notes) session.Note(note);
-  return patch;
+  // Whoever else changes the actions meanwhile must not lose that.
+  return {patch, line.ifMatch.empty() ? session.api.Version() : line.ifMatch};
 }
 
 void CheckGiven(const ModifyLine& line) {
@@ -70,14 +78,15 @@ int Preview(Session& session, const Json& event, const Json& patch, const Json& 
     return 0;
   }
   WritePreview(session, preview, kPreviewed);
-  if (programming.is_null() || !programming.contains("actions")) return 0;
-  session.terminal.out << "action: " << ActionWords(programming["actions"][0]) << '\n';
+  WriteAction(session, programming);
   return 0;
 }
 
-void PatchProgramming(Session& session, const Json& event, const Json& patch, bool eventChanged) {
+void PatchProgramming(Session& session, const Json& event, const ProgrammingChange& change,
+                      bool eventChanged) {
   try {
-    session.api.Send("PATCH", EventPath(event, "/programming"), patch);
+    session.api.IfMatch(change.version);
+    session.api.Send("PATCH", EventPath(event, "/programming"), change.patch);
   } catch (const Failure& failure) {
     if (!eventChanged) throw;
     throw Failure(std::string("the event is changed, but not what it does: ") + failure.what(),
@@ -89,11 +98,15 @@ int Modify(const ModifyLine& line, Session& session) {
   CheckGiven(line);
   const Json event = session.api.Get(EventPath(FindEvent(session.api, line.name)));
   const Json patch = EventPatch(line.event, session.Today(), event);
-  const Json programming = ProgrammingPatch(line, session, event);
-  if (line.dryRun) return Preview(session, event, patch, programming);
-  session.api.IfMatch(line.ifMatch);
-  if (!patch.empty()) session.api.Send("PATCH", EventPath(event), patch);
-  if (!programming.is_null()) PatchProgramming(session, event, programming, !patch.empty());
+  const ProgrammingChange programming = ChangeOfProgramming(line, session, event);
+  if (line.dryRun) return Preview(session, event, patch, programming.patch);
+  if (!patch.empty()) {
+    session.api.IfMatch(line.ifMatch);
+    session.api.Send("PATCH", EventPath(event), patch);
+  }
+  if (!programming.patch.is_null()) {
+    PatchProgramming(session, event, programming, !patch.empty());
+  }
   const Json changed = session.api.Get(EventPath(event));
   if (session.json) {
     session.WriteJson(changed);

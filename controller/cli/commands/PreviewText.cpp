@@ -34,6 +34,13 @@ void WritePreview(const Session& session, const Json& preview, std::size_t most)
   }
 }
 
+void WriteAction(const Session& session, const Json& programming) {
+  if (!programming.is_object() || !programming.contains("actions")) return;
+  for (const Json& action : programming["actions"]) {
+    session.terminal.out << "action: " << ActionWords(action) << '\n';
+  }
+}
+
 void WriteSaved(Session& session, const Json& event, const std::string& done) {
   session.terminal.out << done << ' ' << EventName(event) << '\n';
   try {

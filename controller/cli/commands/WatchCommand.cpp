@@ -4,6 +4,7 @@
 #include "controller/Failure.h"
 #include "controller/Printable.h"
 #include "controller/cli/commands/ClientCommands.h"
+#include "controller/cli/commands/KindOption.h"
 #include "controller/cli/commands/Session.h"
 #include "controller/cli/net/EventStream.h"
 #include "controller/cli/show/DisplayWidth.h"
@@ -76,13 +77,9 @@ void AddWatchCommand(CLI::App& app, CommandRun& run) {
   CLI::App* command =
       AddClientCommand(app, run, "watch", "Tell what happens as it happens, until Ctrl-C", line,
                        [line](Session& session) { return Watch(*line, session); });
-  command
-      ->add_option("--kind", line->kinds,
-                   "Only rows of the journal of this kind; may be given several times. Not for "
-                   "--json")
-      ->type_name("fired|held|missed|action|change|clock|controller")
-      ->type_size(1)
-      ->allow_extra_args(false);
+  AddKindOption(
+      *command, line->kinds,
+      "Only rows of the journal of this kind; may be given several times. Not for --json");
   command->footer(
       "A connection that is lost is made again, and what happened meanwhile is told then. With "
       "--json each event of the stream is an object on a line of its own: {\"event\", \"id\", "

@@ -37,7 +37,7 @@ std::string TakeOneOf(TextParts& parts, std::string_view one, std::string_view o
   const TextPart part = parts.Next();
   if (part.text == one || part.text == other) return part.text;
   const std::string both = "give " + std::string(one) + " or " + std::string(other);
-  parts.Fail(part, "does not belong here; " + both, both + " here");
+  parts.Fail(part, "does not belong here; " + both, "a word is missing; " + both);
 }
 
 /// Behind "within".
@@ -103,7 +103,7 @@ Json TakeCondition(TextParts& parts) {
 Json ParseCondition(const std::string& what, const std::string& text) {
   TextParts parts(what, text);
   Json condition = TakeCondition(parts);
-  parts.ExpectEnd("the condition ends before it; an action has one condition");
+  parts.ExpectEnd("leave it out: an action has one condition");
   return condition;
 }
 

@@ -131,12 +131,12 @@ Json ParseEvery(const std::string& option, const std::string& text) {
   TextParts parts(option, text);
   parts.Take({"every"});
   if (parts.Take({"once"})) {
-    parts.ExpectEnd("once stands alone");
+    parts.ExpectEnd("leave it out: once stands alone");
     return nullptr;
   }
   const long count = TakeCount(parts);
   Json repeat = TakeUnit(parts, count);
-  parts.ExpectEnd(repeat.contains("nth") ? "it ends with the weekday" : kRight);
+  parts.ExpectEnd(repeat.contains("nth") ? "leave it out: it ends with the weekday" : kRight);
   return repeat;
 }
 

@@ -29,7 +29,7 @@ class TextParts {
   TextPart Next();
   /// Takes the next parts where they are these words; whether they were.
   bool Take(const std::vector<std::string_view>& words);
-  /// Throws where something is left; `expected` tells what might have come: "on and its days".
+  /// Throws where something is left; `expected` tells what is right: "leave it out: ..."
   void ExpectEnd(const std::string& expected) const;
 
   /// Throws a `TextError` that marks the part and says `problem` of it: "is no day; give ..."; of

@@ -77,7 +77,7 @@ TEST(Condition, SaysWhatIsWrongAndWhere) {
       // The mark stands where the number should.
       {"within before sunset", "a number of minutes is wanted here", "b"},
       {"within 25h before sunset", "at most 24h", "25h"},
-      {"within 30 minutes", "give before or after here", ""},
+      {"within 30 minutes", "a word is missing; give before or after", ""},
       {"within 30 before noon", "\"noon\" does not belong here; give sunrise or sunset", "noon"},
       {"weekday is someday", "\"someday\" is no day of the week", "someday"},
       {"weekday between fri and mon", "a week begins on sun; give \"weekday in\"", "fri and mon"},
@@ -91,7 +91,7 @@ TEST(Condition, SaysWhatIsWrongAndWhere) {
       {"year is 27", "\"27\" is no year; give 1970 to 9999", "27"},
       {"year is 2027,2028", "\",\" is too much here", ","},
       {"leap now", "\"now\" is too much here", "now"},
-      {"time is night and leap", "\"and\" is too much here; the condition ends before it", "and"},
+      {"time is night and leap", "\"and\" is too much here; leave it out: an action", "and"},
   };
   for (const auto& row : rows) {
     const Refusal refusal = RefusalOf([&] { ParseCondition("--if", row.text); });
