@@ -13,12 +13,15 @@ export class House {
   #folder;
   log = '';
 
-  /** Starts one; `options.arguments` go to `serve`, `options.zone` is its time zone. */
+  /**
+   * Starts one; `options.arguments` go to `serve`, `zone` is its time zone, `folder` where its
+   * project is or comes, `listen` where it listens.
+   */
   static async start(options = {}) {
     const house = new House();
     house.#folder = options.folder ?? await mkdtemp(join(tmpdir(), 'vexalink-web-'));
     house.options = options;
-    await house.#run('127.0.0.1:0');
+    await house.#run(options.listen ?? '127.0.0.1:0');
     return house;
   }
 
@@ -36,7 +39,8 @@ export class House {
     for (;;) {
       const address = /\bapi (http:\/\/\S+)/.exec(this.log);
       if (address) {
-        this.url = address[1].endsWith('/') ? address[1] : `${address[1]}/`;
+        // From everywhere means also from here.
+        this.url = address[1].replace('0.0.0.0', '127.0.0.1').replace(/\/?$/, '/');
         break;
       }
       const over = await Promise.race([ended.then(() => true), new Promise((resolve) => setTimeout(resolve, 20, false))]);

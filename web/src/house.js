@@ -107,7 +107,7 @@ class House extends EventTarget {
 
   async #readProject() {
     const asked = Date.now();
-    const project = await get('/project');
+    const [project, sun] = await Promise.all([get('/project'), get('/sun')]);
     const at = (asked + Date.now()) / 2;
     if (JSON.stringify(project.place) !== JSON.stringify(this.project?.place) ||
         project.timezone.name !== this.project?.timezone.name) {
@@ -117,7 +117,7 @@ class House extends EventTarget {
     // Half a second, because `now` has whole ones.
     const ahead = Date.parse(project.now) + 500 - at;
     if (Math.abs(ahead - this.#ahead) > 1000) this.#ahead = ahead;
-    this.sun = await get(`/sun${query({date: this.date()})}`);
+    this.sun = sun;
     this.tell('project');
   }
 

@@ -6,49 +6,54 @@ import {button, h, icon, replace} from './dom.js';
 import {house} from './house.js';
 import {longDate, onSettings, readSettings, t, timeText} from './locale.js';
 import {dialog, failed, undo} from './notices.js';
-import {calendar} from './views/calendar.js';
-import {event, newEvent} from './views/event.js';
-import {events} from './views/events.js';
-import {journal} from './views/journal.js';
-import {programming} from './views/programming.js';
-import {placeText, project} from './views/project.js';
-import {sun} from './views/sun.js';
+import {placeText} from './place.js';
 import {today} from './views/today.js';
 
 const NAV = ['today', 'calendar', 'events', 'sun', 'journal', 'project'];
 const TOPICS = ['project', 'events', 'today', 'journal', 'saving', 'connection', 'replaced'];
+// Today comes with the page; the others are fetched when they are wanted, or when there is time.
 const ROUTES = [
-  [/^today$/, today], [/^calendar$/, calendar], [/^events$/, events], [/^events\/new$/, newEvent],
-  [/^events\/(\d+)$/, event], [/^events\/(\d+)\/programming$/, programming], [/^sun$/, sun],
-  [/^journal$/, journal], [/^project$/, project],
+  [/^today$/, async () => today],
+  [/^calendar$/, async () => (await import('./views/calendar.js')).calendar],
+  [/^events$/, async () => (await import('./views/events.js')).events],
+  [/^events\/new$/, async () => (await import('./views/event.js')).newEvent],
+  [/^events\/(\d+)$/, async () => (await import('./views/event.js')).event],
+  [/^events\/(\d+)\/programming$/, async () => (await import('./views/programming.js')).programming],
+  [/^sun$/, async () => (await import('./views/sun.js')).sun],
+  [/^journal$/, async () => (await import('./views/journal.js')).journal],
+  [/^project$/, async () => (await import('./views/project.js')).project],
 ];
 
 const main = document.getElementById('main');
 let view = null;
 let shownHash = null;
+let wantedRoute = null;
 
 /** "#/calendar?view=week" as its view, path and parameters. */
 function routeOf(hash) {
   const [path, search = ''] = hash.replace(/^#\/?/, '').split('?');
-  for (const [pattern, make] of ROUTES) {
+  for (const [pattern, load] of ROUTES) {
     const parts = pattern.exec(path);
-    if (parts) return {make, path, id: Number(parts[1]), params: new URLSearchParams(search)};
+    if (parts) return {load, path, id: Number(parts[1]), params: new URLSearchParams(search)};
   }
-  return {make: today, path: 'today', params: new URLSearchParams()};
+  return {load: ROUTES[0][1], path: 'today', params: new URLSearchParams()};
 }
 
 async function navigate() {
   const wanted = location.hash;
   if (view?.leaves && !await view.leaves()) return history.replaceState(null, '', shownHash);
   shownHash = wanted;
-  show(true);
+  await show(true);
 }
 
-function show(focus) {
+async function show(focus) {
+  const route = routeOf(location.hash);
+  wantedRoute = route;
+  const make = await route.load().catch(() => { throw new Error(t('error.offline')); });
+  if (route !== wantedRoute) return; // Somebody was quicker than the network.
   view?.end?.();
   main.replaceChildren();
-  const route = routeOf(location.hash);
-  view = route.make(main, route);
+  view = make(main, route);
   document.title = `${view.title} – ${house.name()}`;
   drawNav(route.path.split('/')[0]);
   if (focus && !view.focused) {
@@ -133,7 +138,7 @@ function listen() {
   house.addEventListener('saving', drawConnection);
   onSettings(() => {
     drawFrame();
-    show(false);
+    show(false).catch(failed);
   });
   addEventListener('hashchange', () => navigate().catch(failed));
   addEventListener('keydown', keys);
@@ -161,7 +166,7 @@ async function start() {
   readSettings();
   api.onUnauthorized(askForToken);
   try {
-    await house.start();
+    await house.start().catch(failed);
   } catch (error) {
     return replace(main, h('h1', {tabindex: '-1'}, t('start.failed')), h('p', {class: 'error'}, error.message),
       button(t('start.again'), () => location.reload(), {kind: 'primary'}));
@@ -169,8 +174,11 @@ async function start() {
   listen();
   drawFrame();
   shownHash = location.hash;
-  show(false);
+  await show(false);
   document.documentElement.dataset.ready = '';
+  performance.mark('ready');
+  // So that the other views are there at once, also while the controller is away.
+  (globalThis.requestIdleCallback ?? setTimeout)(() => ROUTES.forEach(([, load]) => load().catch(() => {})));
 }
 
-start();
+start().catch(failed);

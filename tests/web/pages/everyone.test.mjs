@@ -125,7 +125,8 @@ test('an event is added, moved and deleted by the keyboard alone', async () => {
   await press('Enter');
   await dialog.getByRole('button', {name: 'Delete'}).focus();
   await press('Enter');
-  await until(async () => !await house.eventNamed('Typed'), 'the event to be gone');
+  await page.getByText('“Typed” was deleted').waitFor();
+  assert.equal(await house.eventNamed('Typed'), undefined);
   await press('Control+z');
   await until(() => house.eventNamed('Typed'), 'the event to be back');
   await page.done();

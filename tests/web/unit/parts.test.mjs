@@ -1,10 +1,11 @@
 import assert from 'node:assert/strict';
+import {readFile} from 'node:fs/promises';
 import test from 'node:test';
 
 import {arranged} from '../../../web/src/calendar/hours.js';
 import {EventCutter} from '../../../web/src/stream.js';
 import {matches} from '../../../web/src/views/journal.js';
-import {readPlace} from '../../../web/src/views/project.js';
+import {readPlace} from '../../../web/src/place.js';
 
 test('a stream is cut into its events wherever it breaks', () => {
   const text = ': hello\n\nid: 1\nevent: today\ndata: {"a":1}\n\n: heartbeat\n\nid: 2\r\nevent: journal\r\ndata: {\r\ndata: "b":2}\r\n\r\n';
@@ -68,4 +69,21 @@ test('a row that has just come obeys the filters', () => {
   for (const wrong of [{kind: ['held']}, {event: '8'}, {from: '2026-11-22'}, {to: '2026-11-20'}, {q: 'garden'}]) {
     assert.equal(matches(row, {...all, ...wrong}), false, JSON.stringify(wrong));
   }
+});
+
+test('the browser is told beforehand of the modules that the first view needs, and of no other', async () => {
+  const web = new URL('../../../web/', import.meta.url);
+  const needed = new Set();
+  const follow = async (name) => {
+    if (needed.has(name)) return;
+    needed.add(name);
+    const text = await readFile(new URL(name, web), 'utf8');
+    for (const [, other] of text.matchAll(/^import[^;]*? from '([^']+)';/gms)) {
+      await follow(new URL(other, new URL(name, web)).href.slice(web.href.length));
+    }
+  };
+  await follow('src/main.js');
+  const told = [...(await readFile(new URL('index.html', web), 'utf8')).matchAll(/modulepreload" href="([^"]+)"/g)].map((match) => match[1]);
+  needed.delete('src/main.js');
+  assert.deepEqual(told, [...needed].sort());
 });

@@ -7,6 +7,7 @@ import {button, choice, field, h, replace} from '../dom.js';
 import {house} from '../house.js';
 import {choose, dateText, numberText, setting, t} from '../locale.js';
 import {confirmed, failed, notice} from '../notices.js';
+import {placeText, readPlace} from '../place.js';
 import {momentText} from '../sheet.js';
 import {importCard} from './import.js';
 
@@ -51,21 +52,6 @@ function nameCard() {
   return {element, draw: () => {
     if (shown !== house.project.name) name.value = shown = house.project.name;
   }};
-}
-
-/** "52.52, 13.405", with a point or comma as decimals say it, and N, S, E, W. */
-export function readPlace(text) {
-  const parts = /^\s*([+-]?\d{1,3}(?:[.,]\d+)?)\s*°?\s*([NS])?\s*[,;\s]\s*([+-]?\d{1,3}(?:[.,]\d+)?)\s*°?\s*([EOW])?\s*$/i.exec(text.replace(/−/g, '-'));
-  if (!parts) return null;
-  const latitude = Number(parts[1].replace(',', '.')) * (/s/i.test(parts[2] ?? '') ? -1 : 1);
-  const longitude = Number(parts[3].replace(',', '.')) * (/w/i.test(parts[4] ?? '') ? -1 : 1);
-  return Math.abs(latitude) <= 90 && Math.abs(longitude) <= 180 ? {latitude, longitude} : null;
-}
-
-/** "52.52° N, 13.41° E" */
-export function placeText({latitude, longitude}) {
-  const side = (degrees, [plus, minus]) => `${numberText(Math.abs(degrees))}° ${degrees < 0 ? minus : plus}`;
-  return `${side(latitude, [t('north'), t('south')])}, ${side(longitude, [t('east'), t('west')])}`;
 }
 
 function placeCard() {
