@@ -4,6 +4,7 @@
 
 #include "controller/LocalTimeText.h"
 #include "controller/api/EventFields.h"
+#include "controller/firing/DayCount.h"
 #include "controller/json/ObjectReader.h"
 
 namespace controller {
@@ -51,10 +52,7 @@ DayFields CivilRule::LastDay() const {
   return event_.end ? *event_.end : LocalDay(kNever);
 }
 
-bool CivilRule::CountsDays() const {
-  return event_.rate > 1 &&
-         (Repeats(event_, RepeatKind::kDaily) || Repeats(event_, RepeatKind::kWeekly));
-}
+bool CivilRule::CountsDays() const { return controller::CountsDays(event_); }
 
 bool CivilRule::MayDrift() const { return CountsDays() || IsByWeek(event_); }
 
@@ -80,11 +78,9 @@ bool CivilRule::OccursOn(const DayFields& day) const {
 bool CivilRule::OccursBySeconds(const DayFields& day, std::time_t moment) const {
   if (!CountsDays()) return OccursOn(day);
   if (day < event_.start || day > LastDay()) return false;
-  const long days = (moment - LocalInstant(event_.start, 0, 0)) / 86400;
-  if (Repeats(event_, RepeatKind::kDaily)) return days % event_.rate == 0;
-  // Weeks begin on Sunday: how many Sundays the days have come past.
-  const long weeks = (days + WeekdayOf(event_.start) - 1) / 7;
-  return weeks % event_.rate == 0 && (event_.daymask & (1u << (WeekdayOf(day) - 1))) != 0;
+  if (!CountComesOut(event_, moment)) return false;
+  return Repeats(event_, RepeatKind::kDaily) ||
+         (event_.daymask & (1u << (WeekdayOf(day) - 1))) != 0;
 }
 
 bool CivilRule::OccursByMonth(const DayFields& day) const {

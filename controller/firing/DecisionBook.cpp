@@ -45,12 +45,13 @@ void DecisionBook::Note(const OccurrenceDecision& decision) {
   decisions_[{decision.date, decision.event}].push_back(decision);
 }
 
-bool DecisionBook::WasActedOn(unsigned long event, const DayFields& date) const {
+const OccurrenceDecision* DecisionBook::ActedOn(unsigned long event, const DayFields& date) const {
   const auto found = decisions_.find({date, event});
-  if (found == decisions_.end()) return false;
-  return std::any_of(
+  if (found == decisions_.end()) return nullptr;
+  const auto acted = std::find_if(
       found->second.begin(), found->second.end(),
       [](const OccurrenceDecision& known) { return known.outcome == OccurrenceState::kFired; });
+  return acted == found->second.end() ? nullptr : &*acted;
 }
 
 bool DecisionBook::WasHeld(unsigned long event, const DayFields& date, std::time_t planned) const {

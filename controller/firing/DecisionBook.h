@@ -29,7 +29,11 @@ class DecisionBook {
   void Load(ProjectStore& store, const DayFields& from);
   void Note(const OccurrenceDecision& decision);
   /// The event was acted on for that day.
-  bool WasActedOn(unsigned long event, const DayFields& date) const;
+  bool WasActedOn(unsigned long event, const DayFields& date) const {
+    return ActedOn(event, date) != nullptr;
+  }
+  /// The decision by which it was; null where it was not.
+  const OccurrenceDecision* ActedOn(unsigned long event, const DayFields& date) const;
   /// That very occurrence was held back.
   bool WasHeld(unsigned long event, const DayFields& date, std::time_t planned) const;
   /// The latest decision about the event on that day; null where there is none.

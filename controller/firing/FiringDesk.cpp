@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "controller/LocalTimeText.h"
+#include "controller/firing/DayCount.h"
 #include "controller/firing/DayListing.h"
 
 namespace controller {
@@ -71,13 +72,18 @@ void FiringDesk::TakeUpDecided(DayPlan& plan, std::time_t now) {
   for (PlannedOccurrence occurrence : plan.InOrder()) {
     const OccurrenceDecision* decided = book_.Find(occurrence.event, plan.Date());
     if (decided == nullptr) continue;
-    const bool acted = book_.WasActedOn(occurrence.event, plan.Date());
+    const OccurrenceDecision* acted = book_.ActedOn(occurrence.event, plan.Date());
     if (!acted && decided->planned != occurrence.planned) continue;
     // Missed when the clock was ahead, and still to come now that it was put right.
     const bool comesAgain = !acted && decided->outcome == OccurrenceState::kMissed &&
                             occurrence.due.value_or(occurrence.planned) > now;
     if (comesAgain) continue;
     occurrence.state = acted ? OccurrenceState::kFired : decided->outcome;
+    if (acted && acted->planned != occurrence.planned) {
+      // It was moved after it had its turn; what is shown is what it did.
+      occurrence.planned = acted->planned;
+      occurrence.due = acted->planned;
+    }
     plan.Put(std::move(occurrence));
   }
 }
@@ -198,6 +204,21 @@ std::optional<PlannedOccurrence> FiringDesk::Listed(unsigned long event) {
   return std::nullopt;
 }
 
+std::optional<PlannedOccurrence> FiringDesk::TakenUp(const EventElement& event, std::time_t now) {
+  auto listed = Listed(event.eventid);
+  if (!CountsDays(event)) return listed;
+  // The scheduler has counted the days up to now, and the listing those up to midnight: where the
+  // clocks have been changed since the first day, these may be other days.
+  if (listed) return CountComesOut(event, now) ? listed : std::nullopt;
+  const auto asked =
+      house_.Scheduler().Request("GET_EVENT", {{"EVENT_ID", std::to_string(event.eventid)}});
+  const auto next = asked ? ReadNextOccurrence(*asked) : std::nullopt;
+  if (!next) return std::nullopt;
+  const std::time_t planned = PlannedInstant(event, plan_.Date(), next->hour, next->minute);
+  if (planned != LocalInstant(next->day, next->hour, next->minute)) return std::nullopt;
+  return Occurrence(event, planned);
+}
+
 void FiringDesk::DecideFired(const Fired& fired, std::time_t now) {
   const unsigned long event = fired.event;
   const PlannedOccurrence* planned = plan_.Find(event);
@@ -266,8 +287,8 @@ void FiringDesk::OnEventChanged(unsigned long event, std::time_t now) {
   const bool decided = before != nullptr && before->state != OccurrenceState::kPending;
   if (before != nullptr && !decided) plan_.Remove(event);
   if (element != nullptr && !(decided && before->state == OccurrenceState::kFired)) {
-    const auto listed = Listed(event);
-    if (listed && listed->planned + 60 * listed->spread > now) plan_.Put(*listed);
+    const auto taken = TakenUp(*element, now);
+    if (taken && taken->planned + 60 * taken->spread > now) plan_.Put(*taken);
   }
   house_.OnPlanChanged();
 }

@@ -101,8 +101,10 @@ class FiringDesk {
   };
 
   PlannedOccurrence Occurrence(const EventElement& event, std::time_t planned) const;
-  /// Today's occurrence of an event by the scheduler's listing.
+  /// Today's occurrence of an event by the scheduler's listing, which answers as for midnight.
   std::optional<PlannedOccurrence> Listed(unsigned long event);
+  /// Today's occurrence of an event that the scheduler has taken up at `now`.
+  std::optional<PlannedOccurrence> TakenUp(const EventElement& event, std::time_t now);
   DayPlan PlanOf(const DayFields& day, const ScheduleTrace* draw);
   void TakeUpDecided(DayPlan& plan, std::time_t now);
   void FindMissed(DayPlan& plan, std::time_t from, std::time_t now, std::vector<Missed>* missed);

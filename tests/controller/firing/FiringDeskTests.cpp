@@ -75,6 +75,49 @@ TEST(FiringDesk, ActsOnceADay) {
   EXPECT_THAT(house.States(), ElementsAre("1 fired"));
 }
 
+TEST(FiringDesk, WhatWasMovedAfterItHadItsTurnIsShownWhenItCameAlsoAfterARestart) {
+  DeskHouse house("2024-03-06T06:59:58");
+  const auto porch = house.Daily("Porch", kSeven);
+  house.RunUntil("2024-03-06T07:00:01");
+  const std::time_t came = house.desk.Plan().InOrder().at(0).planned;
+  house.Move(porch, kSeven + 60);
+  house.RestartAt("2024-03-06T07:30:00");
+  ASSERT_THAT(house.States(), ElementsAre("1 fired"));
+  EXPECT_EQ(house.desk.Plan().InOrder()[0].planned, came);
+  EXPECT_EQ(house.desk.Plan().InOrder()[0].due, came);
+}
+
+/// Every second day from a day in winter on, at 10:05; added on a day in summer at 10:00.
+unsigned long AddInSummer(DeskHouse& house, const DayFields& start) {
+  EventElement event;
+  event.description = "Garden";
+  event.offset_minutes = 10 * 60 + 5;
+  event.frequency = static_cast<int>(RepeatKind::kDaily);
+  event.rate = 2;
+  event.start = start;
+  return house.Add(event);
+}
+
+// 10 July 2024 is 191 days after 1 January by the calendar and at 10:00, but 190 at its midnight,
+// because the clocks were put forward. The scheduler adds an event by the first count, and lists
+// the days by the second.
+TEST(FiringDesk, WhatIsAddedDuringTheDayIsExpectedAsTheSchedulerCountsAtThatMoment) {
+  DeskHouse house("2024-07-10T10:00:00", kNewYork);
+  AddInSummer(house, {2024, 1, 2});
+  EXPECT_THAT(house.States(), ElementsAre("1 pending"));
+  house.RunUntil("2024-07-10T10:05:01");
+  EXPECT_THAT(house.Decided(), ElementsAre("1 fired timer 07-10 10:05"));
+}
+
+TEST(FiringDesk, WhatIsAddedDuringTheDayIsNotMissedWhereTheSchedulerDidNotExpectIt) {
+  DeskHouse house("2024-07-10T10:00:00", kNewYork);
+  AddInSummer(house, {2024, 1, 1});
+  EXPECT_THAT(house.States(), IsEmpty());
+  house.TickAt("2024-07-10T23:59:59");
+  house.RunUntil("2024-07-11T00:00:02");
+  EXPECT_THAT(house.Decided(), IsEmpty());
+}
+
 TEST(FiringDesk, AClockThatIsSetBackBringsNothingTwice) {
   DeskHouse house("2024-03-06T06:59:58");
   house.Daily("Porch", kSeven);
