@@ -41,7 +41,8 @@ std::optional<std::time_t> NextTimes::Of(const House& house, const VxXML::INode&
   const Place& place = house.WhereItIs().place;
   if (answer) {
     const std::time_t next = OccurrenceTime(event, *answer, place);
-    if (IsOdd(event) || !IsUnsure(event, next)) return next;
+    const bool sure = !IsUnsure(event, next) && !HasHadItsTurn(house, event.eventid, next);
+    if (IsOdd(event) || sure) return next;
   } else if (event.frequency == 0 || IsOdd(event)) {
     return std::nullopt;
   }
@@ -53,32 +54,42 @@ std::optional<std::time_t> NextTimes::Of(const House& house, const VxXML::INode&
 std::optional<std::time_t> NextTimes::Search(const House& house, const EventElement& event,
                                              std::time_t now) {
   std::string where = Where(house, now);
+  const PlannedOccurrence* today = OfToday(house, event.eventid);
+  const bool pending = today != nullptr && today->state == OccurrenceState::kPending;
   const auto known = known_.find(event.eventid);
   if (known != known_.end() && known->second.event == event && known->second.where == where &&
       known->second.asked <= now && (!known->second.next || *known->second.next >= now)) {
-    return known->second.next;
+    const auto& next = known->second.next;
+    if (!next || LocalDay(*next) != house.TodayDate() || pending) return next;
   }
   if (known_.size() >= kMostKnown) known_.clear();
   std::optional<std::time_t> next;
+  // What today holds was settled when the day began, or when the event was added since then.
+  if (pending && today->planned >= now) next = today->planned;
   for (const ProbedOccurrence& found : EventProbe(house, event).Next(LocalDay(now), now, 2)) {
-    // What today holds was settled when the day began, or when the event was added since then.
-    if (found.day == house.TodayDate() && !IsOnTodaysList(house, event.eventid)) continue;
+    if (next || (found.day == house.TodayDate() && !pending)) continue;
     next = found.time;
-    break;
   }
   known_[event.eventid] = {event, std::move(where), now, next};
   return next;
 }
 
-bool NextTimes::IsOnTodaysList(const House& house, unsigned long id) {
+const PlannedOccurrence* NextTimes::OfToday(const House& house, unsigned long id) {
   // Once an answer: a house may have thousands of events.
   if (!std::exchange(todayAsked_, true)) {
     today_.clear();
-    for (const PlannedOccurrence& occurrence : house.Today()) {
-      if (occurrence.state == OccurrenceState::kPending) today_.insert(occurrence.event);
+    for (PlannedOccurrence& occurrence : house.Today()) {
+      today_.emplace(occurrence.event, std::move(occurrence));
     }
   }
-  return today_.count(id) != 0;
+  const auto found = today_.find(id);
+  return found == today_.end() ? nullptr : &found->second;
+}
+
+bool NextTimes::HasHadItsTurn(const House& house, unsigned long id, std::time_t next) {
+  if (LocalDay(next) != house.TodayDate()) return false;
+  const PlannedOccurrence* today = OfToday(house, id);
+  return today != nullptr && today->state == OccurrenceState::kFired;
 }
 
 }  // namespace controller

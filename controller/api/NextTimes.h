@@ -3,7 +3,6 @@
 #include <ctime>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 
 #include "controller/House.h"
@@ -34,10 +33,13 @@ class NextTimes {
 
   std::optional<std::time_t> Search(const House& house, const EventElement& event, std::time_t now);
 
-  bool IsOnTodaysList(const House& house, unsigned long id);
+  /// Today's occurrence of an event; null where it has none.
+  const PlannedOccurrence* OfToday(const House& house, unsigned long id);
+  /// Whether the event has had its turn for the day on which `next` lies.
+  bool HasHadItsTurn(const House& house, unsigned long id, std::time_t next);
 
   std::map<unsigned long, Known> known_;
-  std::set<unsigned long> today_;
+  std::map<unsigned long, PlannedOccurrence> today_;
   bool todayAsked_ = false;
 };
 

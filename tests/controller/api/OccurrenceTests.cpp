@@ -344,6 +344,44 @@ TEST(Next, IsThatOfTodaysListWhereTheDayBeganWithAnother) {
             "2026-03-30T18:30:00+02:00");
 }
 
+TEST(Next, IsThatOfTodaysListAlsoWhereTheListingLeavesItOut) {
+  const ZoneScope zone(kBerlin);
+  const TestClock clock("2026-03-30 12:00:00");
+  FakeHouse house;
+  house.todayDate = {2026, 3, 30};
+  PlannedOccurrence today = Pending(1);
+  today.planned = LocalInstant({2026, 3, 30}, 18, 30);
+  house.today = {today};
+  ApiClient client(house);
+  // By the calendar and at noon it comes on the 30th; at midnight a day less is counted.
+  EXPECT_EQ(client
+                .Post("/events",
+                      R"({"description":"Porch","start":"2026-03-24",
+                          "time":{"base":"clock","at":"18:30"},"repeat":{"unit":"day","every":2}})")
+                .Json()["next"],
+            "2026-03-30T18:30:00+02:00");
+}
+
+TEST(Next, LeavesOutTheDayOnWhichAnEventHasHadItsTurn) {
+  const ZoneScope zone(kBerlin);
+  const TestClock clock("2026-03-30 12:00:00");
+  FakeHouse house;
+  house.todayDate = {2026, 3, 30};
+  ApiClient client(house);
+  // It came this morning and was then moved to the evening, where it is held back.
+  house.today = {Pending(1), Pending(2)};
+  for (PlannedOccurrence& occurrence : house.today) occurrence.state = OccurrenceState::kFired;
+  const auto next = [&client](const std::string& description, const std::string& repeat) {
+    return client
+        .Post("/events", R"({"description":")" + description +
+                             R"(","time":{"base":"clock","at":"18:00"},"repeat":)" + repeat + '}')
+        .Json()["next"];
+  };
+  EXPECT_EQ(next("Porch", R"({"unit":"day"})"), "2026-03-31T18:00:00+02:00");
+  EXPECT_EQ(next("Gate", "null"), nullptr);
+  EXPECT_EQ(next("Garden", "null"), "2026-03-30T18:00:00+02:00") << "it has not come yet";
+}
+
 TEST(Next, OfAnEventThatIsNotThereYetIsDecidedNow) {
   const ZoneScope zone(kBerlin);
   FakeHouse house;
