@@ -10,6 +10,7 @@ namespace controller {
 class ScratchHost : public IInstanceManager, public vx::IDriverHost {
  public:
   explicit ScratchHost(const Place& place) : place_(place) {}
+  virtual ~ScratchHost() = default;
 
   int RegisterQuery(const char*, void*) override { return 1; }
   void UnregisterQuery(const char*) override {}

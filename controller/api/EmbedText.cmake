@@ -1,12 +1,13 @@
 # Makes a source file whose function answers a file's text.
 # cmake -D INPUT=<file> -D OUTPUT=<source> -D HEADER=<its header> -D FUNCTION=<name> -P EmbedText.cmake
-file(READ ${INPUT} text)
-# A raw string ends at the first )text", so that must not be in it.
-string(FIND "${text}" ")text\"" end)
-if(NOT end EQUAL -1)
-  message(FATAL_ERROR "${INPUT} holds )text\", which a raw string cannot")
-endif()
+#
+# As numbers: compilers need not take a string as long as that.
+file(READ ${INPUT} bytes HEX)
+string(REGEX REPLACE "(................................)" "\\1\n" bytes "${bytes}")
+string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," bytes "${bytes}")
 file(WRITE ${OUTPUT}
-  "#include \"${HEADER}\"\n\nnamespace controller {\n\nstd::string_view ${FUNCTION}() {\n"
-  "  static constexpr std::string_view kText = R\"text(${text})text\";\n  return kText;\n}\n\n"
+  "#include \"${HEADER}\"\n\nnamespace controller {\n\nnamespace {\n\n"
+  "constexpr unsigned char kText[] = {\n${bytes}};\n\n}  // namespace\n\n"
+  "std::string_view ${FUNCTION}() {\n"
+  "  return {reinterpret_cast<const char*>(kText), sizeof(kText)};\n}\n\n"
   "}  // namespace controller\n")
