@@ -106,6 +106,8 @@ class Controller final : public House,
     std::string before;
     /// Of an event that is gone afterwards.
     std::string description;
+    /// What an added event does; null: nothing.
+    const Programming* programming = nullptr;
   };
 
   // IHostObserver: inside the driver's calls, but for the ticks.
@@ -141,6 +143,7 @@ class Controller final : public House,
   void TellDropped(const std::string& persisted);
   void TellSchedule();
   void TellInterrupted();
+  void TellInterrupted(const JournalRow& fired);
   void FillReasons();
   void ReadReasons();
   void LoadBook(const DayFields& from);
@@ -164,14 +167,21 @@ class Controller final : public House,
   void CountFiring(const FiringDecision& decision);
   void Command(const std::string& name, const CommandMessage::Params& params,
                const ChangeFacts& facts, Saved saved);
+  void TakeUpAdded(unsigned long eventId, const ChangeFacts& facts);
   void TellChange(const Notice& notice, const ChangeFacts& facts);
   void Finish(Saved saved);
   void TakeSchedule(const std::string& state, const std::string& reason, const std::string& actor,
                     Saved saved);
   /// What is on the disk is put aside in the transaction that is next.
   void BackUpBeforeNextSave(const std::string& reason);
-  void MoveProgramming(const std::map<unsigned long, EventElement>& before);
+  void MoveProgramming(const std::map<unsigned long, EventElement>& before,
+                       const std::string& actor);
+  void PutAsideProgramming(const EventElement& event, const Programming& programming,
+                           const std::string& actor);
+  void BringBackProgramming(const std::string& actor);
   std::string EventText(unsigned long eventId) const;
+  /// With what it does, where it does anything.
+  std::string WholeEventText(unsigned long eventId) const;
 
   ServeOptions options_;
   EventBase base_;

@@ -7,6 +7,7 @@
 #include "controller/ScheduleSummary.h"
 #include "controller/api/EventJson.h"
 #include "controller/live/Controller.h"
+#include "controller/live/DeletedEvents.h"
 #include "controller/programming/ProgrammingJson.h"
 
 namespace controller {
@@ -15,7 +16,6 @@ namespace {
 
 /// The programming of an event, as `EmRemoveByOwner` counts owners.
 constexpr int kOwnerIsEvent = 3;
-constexpr std::int64_t kKeptDeleted = 1000;
 
 const char* ReasonOf(IHouseListener::Change change) {
   switch (change) {
@@ -35,23 +35,6 @@ CommandMessage::Params EventParams(const EventElement& event) {
 /// An event that XML cannot hold would be lost on its way.
 bool CanBeSaid(const EventElement& event) {
   return bool(VxXML::CreateXmlDocument(MakeEventElement(event)->ToString()));
-}
-
-void WriteDeleted(ProjectStore& store, unsigned long event, const std::string& xml,
-                  const std::string& programming) {
-  SqliteStatement(store.Database(),
-                  "INSERT OR REPLACE INTO deleted_event (event, at, xml, programming) "
-                  "VALUES (?1, ?2, ?3, ?4)")
-      .Bind(1, static_cast<std::int64_t>(event))
-      .Bind(2, static_cast<std::int64_t>(std::time(nullptr)))
-      .Bind(3, xml)
-      .Bind(4, programming)
-      .Step();
-  SqliteStatement(store.Database(),
-                  "DELETE FROM deleted_event WHERE event NOT IN "
-                  "(SELECT event FROM deleted_event ORDER BY at DESC, event DESC LIMIT ?1)")
-      .Bind(1, kKeptDeleted)
-      .Step();
 }
 
 }  // namespace
@@ -83,6 +66,14 @@ std::string Controller::EventText(unsigned long eventId) const {
   return text;
 }
 
+std::string Controller::WholeEventText(unsigned long eventId) const {
+  std::string text = EventText(eventId);
+  const Programming& programming = programming_.Of(eventId);
+  if (text.empty() || programming.IsPlain()) return text;
+  text.back() = ',';
+  return text + "\"programming\":" + ProgrammingText(programming) + '}';
+}
+
 void Controller::Command(const std::string& name, const CommandMessage::Params& params,
                          const ChangeFacts& facts, Saved saved) {
   const DayFields today = LocalDay(std::time(nullptr));
@@ -99,11 +90,22 @@ void Controller::Command(const std::string& name, const CommandMessage::Params& 
     committer_.Add([event](ProjectStore& store) { ProgrammingTable::Erase(store, event); });
   }
   for (const Notice& notice : std::exchange(notices_, {})) {
-    if (notice.change == IHouseListener::Change::kAdded) lastAdded_ = notice.event;
+    if (notice.change == IHouseListener::Change::kAdded) TakeUpAdded(notice.event, facts);
     desk_.OnEventChanged(notice.event, std::time(nullptr));
     TellChange(notice, facts);
   }
   Finish(std::move(saved));
+}
+
+void Controller::TakeUpAdded(unsigned long eventId, const ChangeFacts& facts) {
+  lastAdded_ = eventId;
+  // The number is known only now; what the event does must be there before it can fire, and in the
+  // same transaction.
+  if (facts.programming == nullptr || facts.programming->IsPlain()) return;
+  programming_.Set(eventId, *facts.programming);
+  committer_.Add([eventId, kept = *facts.programming](ProjectStore& store) {
+    ProgrammingTable::Write(store, eventId, kept);
+  });
 }
 
 void Controller::TellChange(const Notice& notice, const ChangeFacts& facts) {
@@ -111,7 +113,9 @@ void Controller::TellChange(const Notice& notice, const ChangeFacts& facts) {
   row.event = notice.event;
   row.actor = facts.actor;
   row.before = facts.before;
-  row.after = EventText(notice.event);
+  // What an event does stays as it is where only the event is changed.
+  const bool modified = row.reason == ReasonOf(IHouseListener::Change::kModified);
+  row.after = modified ? EventText(notice.event) : WholeEventText(notice.event);
   const EventElement* event = desk_.KnownEvent(notice.event);
   row.description = event == nullptr ? facts.description : event->description;
   Log::Write(row.actor == kFirstStart ? LogLevel::kDebug : LogLevel::kInfo,
@@ -138,19 +142,9 @@ unsigned long Controller::AddEvent(const EventElement& event, const Programming*
   if (!CanBeSaid(event)) return 0;
   EventElement fresh = event;
   fresh.eventid = 0;
-  unsigned long added = 0;
-  // The id is known only once the scheduler has given it; what the event does must be there before
-  // it can fire, and in the same transaction.
-  Command("ADD_EVENT", EventParams(fresh), {"", actor, "", ""}, {});
-  added = lastAdded_;
-  lastAdded_ = 0;
+  Command("ADD_EVENT", EventParams(fresh), {"", actor, "", "", programming}, {});
+  const unsigned long added = std::exchange(lastAdded_, 0);
   if (added == 0) return 0;
-  if (programming != nullptr && !programming->IsPlain()) {
-    programming_.Set(added, *programming);
-    committer_.Add([added, kept = *programming](ProjectStore& store) {
-      ProgrammingTable::Write(store, added, kept);
-    });
-  }
   Finish(std::move(saved));
   return added;
 }
@@ -159,7 +153,7 @@ bool Controller::ReplaceEvent(const EventElement& event, const std::string& acto
   const EventElement* before = desk_.Catalog().Find(*scheduler_, event.eventid);
   if (before == nullptr || event.eventid == 0 || !CanBeSaid(event)) return false;
   Command("MODIFY_EVENT", EventParams(event),
-          {"", actor, EventText(event.eventid), before->description}, std::move(saved));
+          {"", actor, EventText(event.eventid), before->description, nullptr}, std::move(saved));
   return true;
 }
 
@@ -169,21 +163,20 @@ bool Controller::DeleteEvent(unsigned long eventId, const std::string& actor, Sa
   if (before == nullptr || !element) return false;
   committer_.Add([eventId, xml = element->ToString(),
                   programming = ProgrammingText(programming_.Of(eventId))](ProjectStore& store) {
-    WriteDeleted(store, eventId, xml, programming);
+    DeletedEvents::Write(store, {eventId, xml, programming});
   });
   Command("DELETE_EVENT", {{"EVENT_ID", std::to_string(eventId)}},
-          {"", actor, EventText(eventId), before->description}, std::move(saved));
+          {"", actor, WholeEventText(eventId), before->description, nullptr}, std::move(saved));
   return true;
 }
 
 House::Restored Controller::RestoreEvent(unsigned long eventId, const std::string& actor,
                                          Saved saved) {
   if (committer_.IsPending()) committer_.SaveNow();
-  SqliteStatement query(store_.Database(),
-                        "SELECT xml, programming FROM deleted_event WHERE event = ?1");
-  if (!query.Bind(1, static_cast<std::int64_t>(eventId)).Step()) return Restored::kNothingToRestore;
-  const std::string xml = query.TextAt(0);
-  const Programming programming = ReadProgrammingText(query.TextAt(1));
+  const auto deleted = DeletedEvents::Find(store_, eventId);
+  if (!deleted) return Restored::kNothingToRestore;
+  const std::string& xml = deleted->xml;
+  const Programming programming = ReadProgrammingText(deleted->programming);
   if (desk_.Catalog().Find(*scheduler_, eventId) != nullptr) return Restored::kIdTaken;
   const auto document = ParseXml(xml, "the deleted event");
   const std::string description = document->GetRoot()->GetText("description");
@@ -193,11 +186,10 @@ House::Restored Controller::RestoreEvent(unsigned long eventId, const std::strin
   programming_.Set(eventId, programming);
   committer_.Add([eventId, programming](ProjectStore& store) {
     ProgrammingTable::Write(store, eventId, programming);
-    SqliteStatement(store.Database(), "DELETE FROM deleted_event WHERE event = ?1")
-        .Bind(1, static_cast<std::int64_t>(eventId))
-        .Step();
+    DeletedEvents::Erase(store, eventId);
   });
-  Command("MODIFY_EVENT", {{"EVENT_XML", xml}}, {"restored", actor, "", ""}, std::move(saved));
+  Command("MODIFY_EVENT", {{"EVENT_XML", xml}}, {"restored", actor, "", "", nullptr},
+          std::move(saved));
   return Restored::kDone;
 }
 

@@ -9,6 +9,7 @@
 #include "controller/ScheduleSummary.h"
 #include "controller/ScratchAgent.h"
 #include "controller/live/Controller.h"
+#include "controller/live/DeletedEvents.h"
 
 namespace controller {
 
@@ -84,7 +85,6 @@ void Controller::TakeSchedule(const std::string& state, const std::string& reaso
     host_.ExpireTimers();
     ReplaceScheduler(state, "down");
   }
-  MoveProgramming(before);
   JournalRow row = NewRow("change", "imported");
   row.actor = actor;
   row.text = reason + ": " + CountText(before.size(), "event") + " before, " +
@@ -93,10 +93,13 @@ void Controller::TakeSchedule(const std::string& state, const std::string& reaso
   Record(std::move(row), [this] {
     if (listener_ != nullptr) listener_->OnScheduleReplaced();
   });
+  MoveProgramming(before, actor);
+  BringBackProgramming(actor);
   Finish(std::move(saved));
 }
 
-void Controller::MoveProgramming(const std::map<unsigned long, EventElement>& before) {
+void Controller::MoveProgramming(const std::map<unsigned long, EventElement>& before,
+                                 const std::string& actor) {
   // What an event does belongs to the event, whatever number it has in the new schedule; its name
   // tells which it is.
   std::map<std::string, unsigned long> byName;
@@ -111,14 +114,41 @@ void Controller::MoveProgramming(const std::map<unsigned long, EventElement>& be
     const auto now = event == before.end() ? byName.end() : byName.find(event->second.description);
     if (now == byName.end()) {
       runner_->Cancel(id);
-      Log::Warning("what event " + std::to_string(id) +
-                   " did is dropped: the new schedule has no event of that name");
+      if (event != before.end()) PutAsideProgramming(event->second, programming, actor);
       continue;
     }
     programming_.Set(now->second, programming);
     committer_.Add([to = now->second, kept = programming](ProjectStore& store) {
       ProgrammingTable::Write(store, to, kept);
     });
+  }
+}
+
+void Controller::PutAsideProgramming(const EventElement& event, const Programming& programming,
+                                     const std::string& actor) {
+  JournalRow row = NewRow("change", "programming");
+  row.event = event.eventid;
+  row.description = event.description;
+  row.actor = actor;
+  row.before = ProgrammingText(programming);
+  row.text = "put aside: the new schedule has no event of that name";
+  Log::Warning("what " + EventName(event.eventid, event.description) + " did is " + row.text);
+  committer_.Add(
+      [deleted = DeletedEvent{event.eventid, MakeEventElement(event)->ToString(), row.before}](
+          ProjectStore& store) { DeletedEvents::Write(store, deleted); });
+  Record(std::move(row));
+}
+
+void Controller::BringBackProgramming(const std::string& actor) {
+  for (const DeletedEvent& deleted : DeletedEvents::All(store_)) {
+    const EventElement* event = desk_.KnownEvent(deleted.event);
+    if (event == nullptr || programming_.All().count(deleted.event) != 0) continue;
+    const auto document = ParseXml(deleted.xml, "the deleted event");
+    if (document->GetRoot()->GetText("description") != event->description) continue;
+    committer_.Add([id = deleted.event](ProjectStore& store) { DeletedEvents::Erase(store, id); });
+    Programming programming = ReadProgrammingText(deleted.programming);
+    if (programming.IsPlain()) continue;
+    SetProgramming(deleted.event, std::move(programming), actor, [](const std::string&) {});
   }
 }
 

@@ -39,6 +39,7 @@ TEST(EventChanges, AnEventIsAddedWithWhatItDoes) {
   EXPECT_EQ(rows[0].description, "Porch");
   EXPECT_EQ(rows[0].before, "");
   EXPECT_THAT(rows[0].after, HasSubstr("\"at\":\"07:00\""));
+  EXPECT_THAT(rows[0].after, HasSubstr("\"programming\":{\"enabled\":false"));
   house.Crash();
   EXPECT_FALSE(house.Get().ProgrammingOf(id).enabled) << "in one transaction with the event";
 }
@@ -81,6 +82,7 @@ TEST(EventChanges, WhatIsDeletedCanBeBroughtBackWithAllThatItWas) {
   EXPECT_TRUE(house.Get().ProgrammingOf(id).enabled) << "what it did has gone with it";
   ASSERT_TRUE(house.WaitForSaved());
   EXPECT_THAT(house.told, Contains("deleted 1"));
+  EXPECT_THAT(house.Rows("change")[0].before, HasSubstr("\"programming\":{\"enabled\":false"));
   EXPECT_FALSE(house.Get().DeleteEvent(id, "ada", {}));
   house.Crash();
   ASSERT_EQ(house.Get().RestoreEvent(id, "ada", house.Saved()), Restored::kDone);
@@ -115,9 +117,18 @@ TEST(EventChanges, AReplacedScheduleTakesWhatEventsDoAlongByTheirName) {
   EXPECT_FALSE(house.Get().ProgrammingOf(2).enabled) << "that of Porch";
   EXPECT_TRUE(house.Get().ProgrammingOf(1).enabled);
   EXPECT_THAT(house.told, Contains("replaced"));
+  // What Gate did is not lost without a trace, and comes back with it.
+  const auto aside = house.Rows("change").at(0);
+  EXPECT_EQ(aside.reason + ' ' + aside.description + ' ' + aside.actor, "programming Gate ada");
+  EXPECT_THAT(aside.before, HasSubstr("\"enabled\":false"));
+  EXPECT_EQ(aside.after, "");
   ASSERT_TRUE(house.Get().RestoreBackup(1, "ada", house.Saved()));
   ASSERT_TRUE(house.WaitForSaved());
   EXPECT_THAT(house.StoredXml(), HasSubstr("Gate"));
+  EXPECT_FALSE(house.Get().ProgrammingOf(1).enabled);
+  EXPECT_FALSE(house.Get().ProgrammingOf(2).enabled) << "that of Gate";
+  house.Crash();
+  EXPECT_FALSE(house.Get().ProgrammingOf(2).enabled);
   EXPECT_FALSE(house.Get().RestoreBackup(99, "ada", {}));
 }
 
