@@ -32,6 +32,25 @@ std::string Unreadable(const std::string& project, const std::string& why, std::
   return text;
 }
 
+/// None where the text cannot be read.
+std::vector<Action> ActionsOf(const std::string& programming) {
+  try {
+    return ReadProgrammingText(programming).actions;
+  } catch (const Failure&) {
+    return {};
+  }
+}
+
+/// How many of the event's actions a firing began. By hand it may be those of one trigger only; the
+/// row says which.
+std::size_t BegunActions(const JournalRow& fired, const std::vector<Action>& actions) {
+  if (fired.reason != "by-hand") return actions.size();
+  return static_cast<std::size_t>(
+      std::count_if(actions.begin(), actions.end(), [&fired](const Action& action) {
+        return fired.text.find(TriggerName(action.on)) != std::string::npos;
+      }));
+}
+
 constexpr const char* kAccountedUntil = "accounted_until";
 constexpr long kSecondsPerDay = 86400;
 constexpr std::size_t kInterruptedRows = 1000;
@@ -204,26 +223,39 @@ void Controller::ReadReasons() {
 
 void Controller::TellInterrupted() {
   JournalQuery query;
-  query.kinds = {"controller", "fired", "action"};
+  query.kinds = {"controller", "fired", "action", "change"};
   query.limit = kInterruptedRows;
   std::map<std::pair<unsigned long, std::time_t>, std::size_t> ended;
+  // What events did at the time of the row that is looked at, where that was changed later.
+  std::map<unsigned long, std::vector<Action>> earlier;
   for (const JournalRow& row : Journal::Read(store_, query)) {
     if (row.kind == "controller") return;  // that is where the last run began, or ended in order
     const std::pair key(row.event, row.planned.value_or(0));
     if (row.kind == "action") {
       ++ended[key];
-    } else if (row.reason != "by-hand" && ended[key] < programming_.Of(row.event).actions.size()) {
-      JournalRow unknown = NewRow("action", "");
-      unknown.event = row.event;
-      unknown.description = row.description;
-      unknown.date = row.date;
-      unknown.planned = row.planned;
-      unknown.outcome = "unknown";
-      unknown.text = "the controller ended before all of its actions did";
-      Log::Warning(EventName(row.event, row.description) + ": " + unknown.text);
-      Record(std::move(unknown));
+    } else if (row.kind == "change") {
+      if (row.reason == "programming" && !row.before.empty()) {
+        earlier[row.event] = ActionsOf(row.before);
+      }
+    } else {
+      const auto changed = earlier.find(row.event);
+      const std::size_t begun = BegunActions(
+          row, changed == earlier.end() ? programming_.Of(row.event).actions : changed->second);
+      if (ended[key] < begun) TellInterrupted(row);
     }
   }
+}
+
+void Controller::TellInterrupted(const JournalRow& fired) {
+  JournalRow unknown = NewRow("action", "");
+  unknown.event = fired.event;
+  unknown.description = fired.description;
+  unknown.date = fired.date;
+  unknown.planned = fired.planned;
+  unknown.outcome = "unknown";
+  unknown.text = "the controller ended before all of its actions did";
+  Log::Warning(EventName(fired.event, fired.description) + ": " + unknown.text);
+  Record(std::move(unknown));
 }
 
 void Controller::WriteStamp(ProjectStore& store) {

@@ -150,5 +150,36 @@ TEST(Work, WhatWasUnderWayWhenTheControllerDiedIsTold) {
   EXPECT_EQ(house.Rows("action")[0].outcome, "unknown");
 }
 
+TEST(Work, WhatWasUnderWayByHandWhenTheControllerDiedIsToldToo) {
+  const TempFolder folder;
+  LiveHouse house;
+  Programming programming = Writes(folder / "done", Trigger::kPush);
+  programming.actions[0].delaySeconds = 3600;
+  programming.actions.push_back(Writes(folder / "done").actions[0]);
+  const auto id =
+      house.Get().AddEvent(LiveHouse::Daily("Porch", 0), &programming, "ada", house.Saved());
+  bool begun = false;
+  house.Get().WorkByHand(id, {Trigger::kPush}, "ada", [&begun](std::int64_t) { begun = true; });
+  ASSERT_TRUE(house.Until([&] { return begun; }));
+  house.Crash();
+  ASSERT_TRUE(house.Until([&] { return !house.Rows("action").empty(); }));
+  EXPECT_EQ(house.Rows("action")[0].outcome, "unknown");
+}
+
+TEST(Work, WhatAnEventDoesOnlySinceItFiredWasNotUnderWay) {
+  const TempFolder folder;
+  LiveHouse house;
+  const auto id = house.Get().AddEvent(LiveHouse::Daily("Porch", 0), nullptr, "ada", house.Saved());
+  bool begun = false;
+  house.Get().WorkByHand(id, {Trigger::kEvent}, "ada", [&begun](std::int64_t) { begun = true; });
+  ASSERT_TRUE(house.Until([&] { return begun; }));
+  house.Get().SetProgramming(id, Writes(folder / "done"), "ada", house.Saved());
+  ASSERT_TRUE(house.WaitForSaved());
+  const auto started = house.Rows("controller").size();
+  house.Crash();
+  ASSERT_TRUE(house.Until([&] { return house.Rows("controller").size() > started; }));
+  EXPECT_TRUE(house.Rows("action").empty());
+}
+
 }  // namespace
 }  // namespace controller
