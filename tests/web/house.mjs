@@ -25,10 +25,15 @@ export class House {
     return house;
   }
 
+  /** The project's file. */
+  get file() {
+    return join(this.#folder, 'house.db');
+  }
+
   async #run(listen) {
     const {zone = 'Europe/Berlin', place = ['--latitude', '52.52', '--longitude', '13.405'], arguments: more = []} = this.options;
     this.log = '';
-    this.#process = spawn(PROGRAM, ['serve', '--project', join(this.#folder, 'house.db'), '--listen', listen, ...place, ...more], {
+    this.#process = spawn(PROGRAM, ['serve', '--project', this.file, '--listen', listen, ...place, ...more], {
       stdio: ['ignore', 'ignore', 'pipe'],
       env: {...process.env, TZ: zone, HOME: this.#folder, XDG_CONFIG_HOME: '', XDG_DATA_HOME: '', XDG_STATE_HOME: ''},
     });

@@ -107,7 +107,7 @@ class House extends EventTarget {
 
   async #readProject() {
     const asked = Date.now();
-    const [project, sun] = await Promise.all([get('/project'), get('/sun')]);
+    const [project, sun, {saving}] = await Promise.all([get('/project'), get('/sun'), get('/status')]);
     const at = (asked + Date.now()) / 2;
     if (JSON.stringify(project.place) !== JSON.stringify(this.project?.place) ||
         project.timezone.name !== this.project?.timezone.name) {
@@ -118,6 +118,8 @@ class House extends EventTarget {
     const ahead = Date.parse(project.now) + 500 - at;
     if (Math.abs(ahead - this.#ahead) > 1000) this.#ahead = ahead;
     this.sun = sun;
+    this.saving = saving;
+    this.tell('saving');
     this.tell('project');
   }
 

@@ -44,6 +44,25 @@ test('the place is that of a city', async () => {
   await page.done();
 });
 
+test('the page goes by the clock of the house, wherever it is looked at', async () => {
+  const far = await House.start({zone: 'Pacific/Auckland', place: ['--latitude', '-36.85', '--longitude', '174.76']});
+  try {
+    // Two days may be begun there, seen from Honolulu.
+    const page = await open(far, '#/today', {timezoneId: 'Pacific/Honolulu'});
+    const now = async () => (await far.ask('GET', '/project')).now;
+    await until(async () => await page.locator('#clock').innerText() === (await now()).slice(11, 16), "the house's time in the head");
+    const day = (await now()).slice(0, 10);
+    const title = new Intl.DateTimeFormat('en-GB', {dateStyle: 'full', timeZone: 'UTC'}).format(new Date(`${day}T12:00:00Z`));
+    assert.equal((await page.locator('.date').innerText()).replace(',', ''), title.replace(',', ''));
+    const {id} = await far.ask('POST', '/events', {description: 'There', start: day, time: {base: 'clock', at: '23:45'}});
+    await page.goto(`${far.url}#/calendar?view=day`);
+    await page.locator(`.column[data-day="${day}"] [data-key="${day}-${id}"]`).getByText('23:45').waitFor();
+    await page.done();
+  } finally {
+    await far.stop();
+  }
+});
+
 test('what is no place is said, and nothing changes', async () => {
   const {place} = await house.ask('GET', '/project');
   const page = await open(house, '#/project');

@@ -1,6 +1,7 @@
 // What happens elsewhere is seen here at once, and a lost connection is shown and mended.
 
 import assert from 'node:assert/strict';
+import {spawn} from 'node:child_process';
 import test, {after, before} from 'node:test';
 
 import {closeBrowser, dayFromNow, open, openBrowser, until} from '../browser.mjs';
@@ -93,6 +94,27 @@ test('what is typed is not left behind by accident', async () => {
   await page.getByRole('dialog', {name: 'Leave without saving?'}).getByRole('button', {name: 'Leave'}).click();
   await page.locator('.month, .agendaday').first().waitFor();
   await page.done();
+});
+
+test('a disk that takes nothing is told, also to who comes later, until it does', async () => {
+  // Another process holds the project's file.
+  const hold = spawn('python3', ['-c', 'import sqlite3, sys\n' +
+    'c = sqlite3.connect(sys.argv[1], isolation_level=None)\nc.execute("begin immediate")\nprint("held", flush=True)\nsys.stdin.read()', house.file]);
+  try {
+    await new Promise((resolve) => hold.stdout.once('data', resolve));
+    const page = await open(house, '#/events', {expects: /status of 503/});
+    await page.getByRole('button', {name: 'Skip next: Porch light off'}).click();
+    await page.locator('#alarm').getByText('cannot be saved at present').waitFor();
+    const later = await open(house, '#/today');
+    await later.locator('#alarm').getByText('cannot be saved at present').waitFor();
+    hold.stdin.end();
+    await page.locator('#alarm').waitFor({state: 'hidden'});
+    await later.locator('#alarm').waitFor({state: 'hidden'});
+    await page.done();
+    await later.done();
+  } finally {
+    hold.kill();
+  }
 });
 
 test('a controller that goes away is missed, and greeted when it is back', async () => {
