@@ -15,15 +15,26 @@ const WEEKDAYS = ['sun', 'mon', 'tue', 'wed', 'thu', 'fri', 'sat'];
 /** A house's worth of rules: some by the sun, some daily, most of them weekly. */
 function manyEvents() {
   return Array.from({length: EVENTS}, (_, index) => ({
-    description: `Event number ${index}`, start: '2026-01-01',
-    time: index % 4 ? {base: 'clock', minutes: index * 37 % 1440} : {base: index % 8 ? 'sunset' : 'sunrise', minutes: index % 120 - 60},
-    repeat: index % 10 === 0 ? {unit: 'day', every: 1 + index % 7} : {unit: 'week', on: [WEEKDAYS[index % 7], WEEKDAYS[(index + 3) % 7]]},
+    description: `Event number ${index}`,
+    start: '2026-01-01',
+    time:
+      index % 4
+        ? {base: 'clock', minutes: (index * 37) % 1440}
+        : {base: index % 8 ? 'sunset' : 'sunrise', minutes: (index % 120) - 60},
+    repeat:
+      index % 10 === 0
+        ? {unit: 'day', every: 1 + (index % 7)}
+        : {unit: 'week', on: [WEEKDAYS[index % 7], WEEKDAYS[(index + 3) % 7]]},
   }));
 }
 
 const median = (numbers) => [...numbers].sort((a, b) => a - b)[Math.floor(numbers.length / 2)];
-const report = (what, numbers, limit) => console.log(
-  `${what.padEnd(46)} ${median(numbers).toFixed(0).padStart(6)} ms ${Math.max(...numbers).toFixed(0).padStart(6)} ms   ${limit}`);
+const report = (what, numbers, limit) =>
+  console.log(
+    `${what.padEnd(46)} ${median(numbers).toFixed(0).padStart(6)} ms ${Math.max(...numbers)
+      .toFixed(0)
+      .padStart(6)} ms   ${limit}`,
+  );
 
 /** When the browser has painted something of the page, and when today's list is there. */
 async function firstContent(house) {
@@ -31,7 +42,11 @@ async function firstContent(house) {
   for (let round = 0; round < ROUNDS; ++round) {
     const page = await open(house, '#/today');
     await page.locator('.next .name').waitFor();
-    const [paint, list] = await page.evaluate(() => ['first-contentful-paint', 'ready'].map((name) => performance.getEntriesByName(name)[0].startTime));
+    const [paint, list] = await page.evaluate(() =>
+      ['first-contentful-paint', 'ready'].map(
+        (name) => performance.getEntriesByName(name)[0].startTime,
+      ),
+    );
     paints.push(paint);
     lists.push(list);
     await page.done();
@@ -45,17 +60,29 @@ async function months(house) {
   await page.locator('.month .chip').first().waitFor();
   const numbers = [];
   for (let round = 0; round < ROUNDS; ++round) {
-    numbers.push(await page.evaluate(() => new Promise((resolve) => {
-      const stage = document.querySelector('.stage');
-      const begun = performance.now();
-      new MutationObserver((_, observer) => {
-        observer.disconnect();
-        const {responseEnd} = performance.getEntriesByType('resource').filter(({name}) => name.includes('/occurrences')).at(-1);
-        requestAnimationFrame(() => setTimeout(() => resolve({all: performance.now() - begun, own: performance.now() - responseEnd})));
-      }).observe(stage, {childList: true});
-      performance.clearResourceTimings();
-      document.querySelector('.bar [aria-label="Later"]').click();
-    })));
+    numbers.push(
+      await page.evaluate(
+        () =>
+          new Promise((resolve) => {
+            const stage = document.querySelector('.stage');
+            const begun = performance.now();
+            new MutationObserver((_, observer) => {
+              observer.disconnect();
+              const {responseEnd} = performance
+                .getEntriesByType('resource')
+                .filter(({name}) => name.includes('/occurrences'))
+                .at(-1);
+              requestAnimationFrame(() =>
+                setTimeout(() =>
+                  resolve({all: performance.now() - begun, own: performance.now() - responseEnd}),
+                ),
+              );
+            }).observe(stage, {childList: true});
+            performance.clearResourceTimings();
+            document.querySelector('.bar [aria-label="Later"]').click();
+          }),
+      ),
+    );
   }
   await page.done();
   return numbers;
@@ -73,8 +100,16 @@ try {
   report('first content', [...first.paints, ...paints], '300 ms');
   report("today's list, of 7 events", first.lists, '300 ms');
   report(`today's list, of ${EVENTS} events`, lists, '');
-  report(`another month of ${EVENTS} events, painted`, numbers.map(({all}) => all), '');
-  report('  of that the page itself', numbers.map(({own}) => own), '200 ms');
+  report(
+    `another month of ${EVENTS} events, painted`,
+    numbers.map(({all}) => all),
+    '',
+  );
+  report(
+    '  of that the page itself',
+    numbers.map(({own}) => own),
+    '200 ms',
+  );
 } finally {
   await closeBrowser();
   await fresh.stop();

@@ -13,7 +13,8 @@ const modules = process.env.VEXALINK_NODE_MODULES ?? join(here, 'node_modules');
 const require = createRequire(join(modules, 'from-here.js'));
 const {chromium} = require('playwright-core');
 const AXE = require.resolve('axe-core/axe.min.js');
-const CHROMIUM = process.env.CHROMIUM ?? ['/usr/bin/chromium', '/usr/bin/chromium-browser'].find(existsSync);
+const CHROMIUM =
+  process.env.CHROMIUM ?? ['/usr/bin/chromium', '/usr/bin/chromium-browser'].find(existsSync);
 
 /** How long anything may take before it counts as not coming. */
 export const PATIENCE_MS = 30000;
@@ -21,7 +22,10 @@ export const PATIENCE_MS = 30000;
 let browser = null;
 
 export async function openBrowser() {
-  assert.ok(CHROMIUM, 'there is no /usr/bin/chromium; install the package chromium, or name one in CHROMIUM');
+  assert.ok(
+    CHROMIUM,
+    'there is no /usr/bin/chromium; install the package chromium, or name one in CHROMIUM',
+  );
   const root = process.getuid?.() === 0;
   browser = await chromium.launch({executablePath: CHROMIUM, args: root ? ['--no-sandbox'] : []});
 }
@@ -36,18 +40,24 @@ export async function closeBrowser() {
  * matches may be said on the console.
  */
 export async function open(house, path = '', {expects, ready = true, ...options} = {}) {
-  const context = await browser.newContext({locale: 'en-GB', viewport: {width: 1280, height: 860}, ...options});
+  const context = await browser.newContext({
+    locale: 'en-GB',
+    viewport: {width: 1280, height: 860},
+    ...options,
+  });
   context.setDefaultTimeout(PATIENCE_MS);
   const page = await context.newPage();
   const complaints = [];
   page.on('console', (message) => {
     const text = message.text();
-    if (['error', 'warning'].includes(message.type()) && !expects?.test(text)) complaints.push(`console: ${text}`);
+    if (['error', 'warning'].includes(message.type()) && !expects?.test(text))
+      complaints.push(`console: ${text}`);
   });
   page.on('pageerror', (error) => complaints.push(`uncaught: ${error.stack}`));
   page.on('request', (request) => {
     const url = request.url();
-    if (!url.startsWith(house.url) && !url.startsWith('data:') && !url.startsWith('blob:')) complaints.push(`asks elsewhere: ${url}`);
+    if (!url.startsWith(house.url) && !url.startsWith('data:') && !url.startsWith('blob:'))
+      complaints.push(`asks elsewhere: ${url}`);
   });
   await page.goto(house.url + path);
   if (ready) await page.waitForSelector('html[data-ready]');
@@ -62,8 +72,12 @@ export async function open(house, path = '', {expects, ready = true, ...options}
 /** What the accessibility checker finds on the page, each as a line. */
 export async function findings(page) {
   await page.evaluate(await readFile(AXE, 'utf8'));
-  const {violations} = await page.evaluate(() => globalThis.axe.run(document, {resultTypes: ['violations']}));
-  return violations.flatMap(({id, nodes}) => nodes.map(({html, failureSummary}) => `${id}: ${html}\n  ${failureSummary}`));
+  const {violations} = await page.evaluate(() =>
+    globalThis.axe.run(document, {resultTypes: ['violations']}),
+  );
+  return violations.flatMap(({id, nodes}) =>
+    nodes.map(({html, failureSummary}) => `${id}: ${html}\n  ${failureSummary}`),
+  );
 }
 
 /** Waits until `find` answers with something true; what it is. */

@@ -19,7 +19,7 @@ export class House {
    */
   static async start(options = {}) {
     const house = new House();
-    house.#folder = options.folder ?? await mkdtemp(join(tmpdir(), 'vexalink-web-'));
+    house.#folder = options.folder ?? (await mkdtemp(join(tmpdir(), 'vexalink-web-')));
     house.options = options;
     await house.#run(options.listen ?? '127.0.0.1:0');
     return house;
@@ -31,14 +31,31 @@ export class House {
   }
 
   async #run(listen) {
-    const {zone = 'Europe/Berlin', place = ['--latitude', '52.52', '--longitude', '13.405'], arguments: more = []} = this.options;
+    const {
+      zone = 'Europe/Berlin',
+      place = ['--latitude', '52.52', '--longitude', '13.405'],
+      arguments: more = [],
+    } = this.options;
     this.log = '';
-    this.#process = spawn(PROGRAM, ['serve', '--project', this.file, '--listen', listen, ...place, ...more], {
-      stdio: ['ignore', 'ignore', 'pipe'],
-      env: {...process.env, TZ: zone, HOME: this.#folder, XDG_CONFIG_HOME: '', XDG_DATA_HOME: '', XDG_STATE_HOME: ''},
-    });
+    this.#process = spawn(
+      PROGRAM,
+      ['serve', '--project', this.file, '--listen', listen, ...place, ...more],
+      {
+        stdio: ['ignore', 'ignore', 'pipe'],
+        env: {
+          ...process.env,
+          TZ: zone,
+          HOME: this.#folder,
+          XDG_CONFIG_HOME: '',
+          XDG_DATA_HOME: '',
+          XDG_STATE_HOME: '',
+        },
+      },
+    );
     this.#process.stderr.setEncoding('utf8');
-    this.#process.stderr.on('data', (text) => { this.log += text; });
+    this.#process.stderr.on('data', (text) => {
+      this.log += text;
+    });
     const ended = new Promise((resolve) => this.#process.once('exit', resolve));
     const begun = Date.now();
     for (;;) {
@@ -48,8 +65,12 @@ export class House {
         this.url = address[1].replace('0.0.0.0', '127.0.0.1').replace(/\/?$/, '/');
         break;
       }
-      const over = await Promise.race([ended.then(() => true), new Promise((resolve) => setTimeout(resolve, 20, false))]);
-      if (over || Date.now() - begun > START_MS) throw new Error(`the controller did not start:\n${this.log}`);
+      const over = await Promise.race([
+        ended.then(() => true),
+        new Promise((resolve) => setTimeout(resolve, 20, false)),
+      ]);
+      if (over || Date.now() - begun > START_MS)
+        throw new Error(`the controller did not start:\n${this.log}`);
     }
     this.ended = ended;
   }
@@ -57,8 +78,10 @@ export class House {
   /** A request past the page, as another client makes it. */
   async ask(method, path, body) {
     const response = await fetch(`${this.url}api/v1${path}`, {
-      method, headers: body === undefined ? {} : {'Content-Type': 'application/json'},
-      body: body === undefined ? undefined : JSON.stringify(body)});
+      method,
+      headers: body === undefined ? {} : {'Content-Type': 'application/json'},
+      body: body === undefined ? undefined : JSON.stringify(body),
+    });
     const text = await response.text();
     if (!response.ok) throw new Error(`${method} ${path}: ${response.status} ${text}`);
     return text ? JSON.parse(text) : null;

@@ -26,10 +26,14 @@ export function setToken(text) {
 let askForToken = async () => null;
 let asking = null;
 /** `ask` is called when a token is missing or wrong; it answers with one, or null. */
-export const onUnauthorized = (ask) => { askForToken = ask; };
+export const onUnauthorized = (ask) => {
+  askForToken = ask;
+};
 
 function newToken() {
-  asking ??= askForToken().finally(() => { asking = null; });
+  asking ??= askForToken().finally(() => {
+    asking = null;
+  });
   return asking;
 }
 
@@ -70,7 +74,7 @@ export async function send(method, path, options = {}) {
   const problem = await problemOf(response);
   if (response.status === 401) {
     // Another request may have been given a token meanwhile.
-    if (token() !== used || await newToken()) return send(method, path, options);
+    if (token() !== used || (await newToken())) return send(method, path, options);
   }
   if (response.status === 403) problem.detail = t('error.forbidden', {why: problem.detail});
   throw new ApiError(response.status, problem);
@@ -81,7 +85,8 @@ async function json(response) {
 }
 
 export const get = async (path, options) => json(await send('GET', path, options));
-export const post = async (path, body, options) => json(await send('POST', path, {body, ...options}));
+export const post = async (path, body, options) =>
+  json(await send('POST', path, {body, ...options}));
 export const put = async (path, body, options) => json(await send('PUT', path, {body, ...options}));
 export const patch = async (path, body, options) =>
   json(await send('PATCH', path, {body, ...options}));
@@ -98,7 +103,8 @@ export function query(values) {
   const pairs = Object.entries(values).flatMap(([name, value]) =>
     (Array.isArray(value) ? value : [value])
       .filter((one) => one !== undefined && one !== null && one !== '')
-      .map((one) => [name, one]));
+      .map((one) => [name, one]),
+  );
   return pairs.length ? `?${new URLSearchParams(pairs)}` : '';
 }
 
@@ -108,7 +114,9 @@ export async function occurrences(from, to, {event, signal} = {}) {
   const all = [];
   let begin = from;
   for (;;) {
-    const answer = await get(`/occurrences${query({from: begin, to, event, limit: LIMIT})}`, {signal});
+    const answer = await get(`/occurrences${query({from: begin, to, event, limit: LIMIT})}`, {
+      signal,
+    });
     const last = answer.occurrences.at(-1)?.date;
     if (!answer.truncated || !last || last === begin) return all.concat(answer.occurrences);
     // The day at which it was cut comes again, as a whole.

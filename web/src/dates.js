@@ -82,7 +82,10 @@ export const clockText = (minutes) => `${pad(Math.floor(minutes / 60))}:${pad(mi
  * Null where it is no time of day.
  */
 export function readClock(text) {
-  const typed = (text ?? '').trim().toLowerCase().replace(/[\u00a0\u202f]/g, ' ');
+  const typed = (text ?? '')
+    .trim()
+    .toLowerCase()
+    .replace(/[\u00a0\u202f]/g, ' ');
   if (/^(noon|mittag|12 uhr mittags)$/.test(typed)) return 720;
   if (/^(midnight|mitternacht)$/.test(typed)) return 0;
   const parts = /^(\d{1,2})(?:[:.]?(\d\d))?\s*(?:(a|p)\.?\s?m?\.?|uhr|h)?$/.exec(typed);

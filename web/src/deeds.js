@@ -21,10 +21,12 @@ async function tried(work) {
 }
 
 export function runNow(event) {
-  holdThen(t('deed.running', event), () => tried(async () => {
-    await api.post(`/events/${event.id}/run`, undefined, {keepalive: true});
-    notice(t('deed.ran', event));
-  }));
+  holdThen(t('deed.running', event), () =>
+    tried(async () => {
+      await api.post(`/events/${event.id}/run`, undefined, {keepalive: true});
+      notice(t('deed.ran', event));
+    }),
+  );
 }
 
 /** Changes what keeps an event from acting; the undo puts back what was there. */
@@ -50,29 +52,52 @@ export async function pause(event) {
     [addDays(today, 7), t('pause.week')],
     ['off', t('pause.off')],
   ];
-  const until = await dialog(t('pause.title', event), (close) => {
-    const day = h('input', {type: 'date', min: addDays(today, 1), 'aria-label': t('pause.untilDay')});
-    const form = h('form', {class: 'row', onsubmit: (submit) => {
-      submit.preventDefault();
-      if (day.value) close(day.value);
-    }}, h('label', null, t('pause.untilDay'), ' ', day), h('button', {class: 'primary'}, t('pause.do')));
-    return [
-      h('p', null, t('pause.what')),
-      h('div', {class: 'stack'}, choices.map(([value, label], index) =>
-        button(label, () => close(value), {autofocus: index === 0}))),
-      form,
-    ];
-  }, 'narrow');
+  const until = await dialog(
+    t('pause.title', event),
+    (close) => {
+      const day = h('input', {
+        type: 'date',
+        min: addDays(today, 1),
+        'aria-label': t('pause.untilDay'),
+      });
+      const form = h(
+        'form',
+        {
+          class: 'row',
+          onsubmit: (submit) => {
+            submit.preventDefault();
+            if (day.value) close(day.value);
+          },
+        },
+        h('label', null, t('pause.untilDay'), ' ', day),
+        h('button', {class: 'primary'}, t('pause.do')),
+      );
+      return [
+        h('p', null, t('pause.what')),
+        h(
+          'div',
+          {class: 'stack'},
+          choices.map(([value, label], index) =>
+            button(label, () => close(value), {autofocus: index === 0}),
+          ),
+        ),
+        form,
+      ];
+    },
+    'narrow',
+  );
   if (!until) return;
   if (until === 'off') await hold(event, {enabled: false}, t('deed.off', event));
-  else await hold(event, {paused_until: until}, t('deed.paused', {...event, date: dateText(until)}));
+  else
+    await hold(event, {paused_until: until}, t('deed.paused', {...event, date: dateText(until)}));
 }
 
 /** Deletes at once: it can be brought back. True where it went well. */
-export const remove = (event) => tried(async () => {
-  await api.remove(`/events/${event.id}`);
-  notice(t('deed.deleted', event), {undo: () => api.post(`/events/${event.id}/restore`)});
-});
+export const remove = (event) =>
+  tried(async () => {
+    await api.remove(`/events/${event.id}`);
+    notice(t('deed.deleted', event), {undo: () => api.post(`/events/${event.id}/restore`)});
+  });
 
 /** The copy's id, or null. */
 export async function duplicate(event) {
@@ -81,26 +106,33 @@ export async function duplicate(event) {
   while (names.has(`${event.description} ${number}`)) ++number;
   let copy = null;
   await tried(async () => {
-    copy = await api.post(`/events/${event.id}/duplicate`,
-      {description: `${event.description} ${number}`});
+    copy = await api.post(`/events/${event.id}/duplicate`, {
+      description: `${event.description} ${number}`,
+    });
     notice(t('deed.duplicated', copy), {undo: () => api.remove(`/events/${copy.id}`)});
   });
   return copy?.id ?? null;
 }
 
-export const press = (event, control) => tried(async () => {
-  await api.post(`/events/${event.id}/press`, {button: control});
-  notice(t('deed.pressed', event));
-});
+export const press = (event, control) =>
+  tried(async () => {
+    await api.post(`/events/${event.id}/press`, {button: control});
+    notice(t('deed.pressed', event));
+  });
 
 /** Replaces an event as a whole, with an undo. */
-export const replaceEvent = (before, after, text) => tried(async () => {
-  const put = ({description, start, time, repeat}) =>
-    api.put(`/events/${before.id}`, {description, start, time: timeToSend(time), repeat: repeat ?? null});
-  await put(after);
-  notice(text, {undo: () => put(before)});
-});
+export const replaceEvent = (before, after, text) =>
+  tried(async () => {
+    const put = ({description, start, time, repeat}) =>
+      api.put(`/events/${before.id}`, {
+        description,
+        start,
+        time: timeToSend(time),
+        repeat: repeat ?? null,
+      });
+    await put(after);
+    notice(text, {undo: () => put(before)});
+  });
 
 /** Minutes say everything that `at` may say. */
 export const timeToSend = ({base, minutes, spread}) => ({base, minutes, spread: spread ?? 0});
-

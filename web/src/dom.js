@@ -30,7 +30,9 @@ export const freshId = (stem) => `${stem}-${++lastId}`;
 export function replace(element, ...children) {
   const focused = element.contains(document.activeElement) ? document.activeElement : null;
   const key = focused?.closest('[data-key]')?.dataset.key;
-  element.replaceChildren(...children.flat(Infinity).filter((child) => child != null && child !== false));
+  element.replaceChildren(
+    ...children.flat(Infinity).filter((child) => child != null && child !== false),
+  );
   if (key !== undefined) element.querySelector(`[data-key="${CSS.escape(key)}"]`)?.focus();
 }
 
@@ -66,27 +68,42 @@ const PATHS = {
 
 /** A drawing beside a text that says the same. */
 export const icon = (name) =>
-  s('svg', {class: `icon icon-${name}`, viewBox: '0 0 24 24', 'aria-hidden': 'true'},
-    s('path', {d: PATHS[name]}));
+  s(
+    'svg',
+    {class: `icon icon-${name}`, viewBox: '0 0 24 24', 'aria-hidden': 'true'},
+    s('path', {d: PATHS[name]}),
+  );
 
 /** A button that does something on this page. */
 export function button(label, onclick, {kind = '', drawing, ...rest} = {}) {
-  return h('button', {type: 'button', class: kind, onclick, ...rest},
-    drawing && icon(drawing), h('span', null, label));
+  return h(
+    'button',
+    {type: 'button', class: kind, onclick, ...rest},
+    drawing && icon(drawing),
+    h('span', null, label),
+  );
 }
 
 /** A button that is its drawing; `label` is what it is called. */
 export function iconButton(label, drawing, onclick, rest = {}) {
-  return h('button', {type: 'button', class: 'bare', onclick, 'aria-label': label, title: label, ...rest},
-    icon(drawing));
+  return h(
+    'button',
+    {type: 'button', class: 'bare', onclick, 'aria-label': label, title: label, ...rest},
+    icon(drawing),
+  );
 }
 
 /** A select; `options` are [value, label]. */
 export function choice(options, value, onchange, rest = {}) {
   const list = options.map(([key, label]) =>
-    h('option', {value: key, selected: String(key) === String(value)}, label));
+    h('option', {value: key, selected: String(key) === String(value)}, label),
+  );
   return h('select', {onchange: (event) => onchange?.(event.target.value), ...rest}, list);
 }
+
+/** A part of a page with a heading of its own. */
+export const card = (title, ...content) =>
+  h('section', {class: 'card'}, h('h2', null, title), content);
 
 /** A labelled control on a line of its own; `hint` is read with it. */
 export function field(label, control, hint) {

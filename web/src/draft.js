@@ -13,8 +13,9 @@ export function draftOf({description = '', start, time, repeat}) {
   const size = Math.abs(clock ? 30 : time.minutes);
   const {week, last} = nthOfMonth(start);
   return {
-    description, start,
-    base: clock ? CLOCK_DAYS[Math.floor(time.minutes / 1440) + 1] ?? 'clock' : 'sun',
+    description,
+    start,
+    base: clock ? (CLOCK_DAYS[Math.floor(time.minutes / 1440) + 1] ?? 'clock') : 'sun',
     at: timeText(ofDay),
     sun: clock ? 'sunset' : time.base,
     minutes: String(size),
@@ -36,8 +37,11 @@ export function draftOf({description = '', start, time, repeat}) {
 export function newDraft({day, minutes}, params) {
   const asked = readClock(params.get('at'));
   const hour = Math.min(1380, Math.ceil((minutes + 1) / 60) * 60);
-  return draftOf({start: params.get('start') ?? day, repeat: {unit: 'day', every: 1},
-    time: {base: 'clock', minutes: asked ?? hour, spread: 0}});
+  return draftOf({
+    start: params.get('start') ?? day,
+    repeat: {unit: 'day', every: 1},
+    time: {base: 'clock', minutes: asked ?? hour, spread: 0},
+  });
 }
 
 const whole = (text) => (/^\s*\d{1,9}\s*$/.test(text) ? Number(text) : null);
@@ -54,8 +58,11 @@ export function read(draft) {
     if (!draft[name]) errors.push({pointer, detail: t('form.noDate')});
     return draft[name];
   };
-  const event = {description: draft.description.trim(), start: date('start', '/start'),
-    time: readTime(draft, number, errors)};
+  const event = {
+    description: draft.description.trim(),
+    start: date('start', '/start'),
+    time: readTime(draft, number, errors),
+  };
   if (!event.description) errors.push({pointer: '/description', detail: t('form.noName')});
   event.repeat = draft.repeats ? readRepeat(draft, number, date, errors) : null;
   return {event, errors};
@@ -68,7 +75,8 @@ function readTime(draft, number, errors) {
     return {base: draft.sun, minutes: draft.side === 'before' && size !== 0 ? -size : size, spread};
   }
   const minutes = readClock(draft.at);
-  if (minutes === null) errors.push({pointer: '/time/at', detail: t('form.notTime', {text: draft.at})});
+  if (minutes === null)
+    errors.push({pointer: '/time/at', detail: t('form.notTime', {text: draft.at})});
   return {base: 'clock', minutes: minutes + 1440 * (CLOCK_DAYS.indexOf(draft.base) - 1), spread};
 }
 

@@ -87,8 +87,9 @@ class House extends EventTarget {
   /** The sun of a year: a map of days; asked once as long as the place stays. */
   sunOfYear(year) {
     if (!this.#years.has(year)) {
-      const answer = get(`/sun/year${query({year})}`)
-        .then(({days}) => new Map(days.map((day) => [day.date, day])));
+      const answer = get(`/sun/year${query({year})}`).then(
+        ({days}) => new Map(days.map((day) => [day.date, day])),
+      );
       answer.catch(() => this.#years.delete(year));
       this.#years.set(year, answer);
     }
@@ -107,10 +108,16 @@ class House extends EventTarget {
 
   async #readProject() {
     const asked = Date.now();
-    const [project, sun, {saving}] = await Promise.all([get('/project'), get('/sun'), get('/status')]);
+    const [project, sun, {saving}] = await Promise.all([
+      get('/project'),
+      get('/sun'),
+      get('/status'),
+    ]);
     const at = (asked + Date.now()) / 2;
-    if (JSON.stringify(project.place) !== JSON.stringify(this.project?.place) ||
-        project.timezone.name !== this.project?.timezone.name) {
+    if (
+      JSON.stringify(project.place) !== JSON.stringify(this.project?.place) ||
+      project.timezone.name !== this.project?.timezone.name
+    ) {
       this.#years.clear();
     }
     this.project = project;
@@ -150,10 +157,13 @@ class House extends EventTarget {
   /** Once for all that comes within a moment; what fails is tried by the next that comes. */
   #later(name, work) {
     if (this.#waiting.has(name)) return;
-    this.#waiting.set(name, setTimeout(() => {
-      this.#waiting.delete(name);
-      work().catch(() => {});
-    }, TODAY_WAIT_MS));
+    this.#waiting.set(
+      name,
+      setTimeout(() => {
+        this.#waiting.delete(name);
+        work().catch(() => {});
+      }, TODAY_WAIT_MS),
+    );
   }
 
   #heard(name, data) {
@@ -162,14 +172,18 @@ class House extends EventTarget {
         if (data.change === 'deleted') this.events.delete(data.id);
         else this.events.set(data.id, data.event);
         return this.tell('events', data);
-      case 'programming': return this.#programmed(data);
-      case 'journal': return this.#journalled(data);
+      case 'programming':
+        return this.#programmed(data);
+      case 'journal':
+        return this.#journalled(data);
       // Not what came along: after a gap it may be old, and its clock with it.
-      case 'project': return this.#later('project', () => this.#readProject());
-      case 'today': return this.#later('today', async () => {
-        await this.#readToday();
-        if (this.sun?.date !== this.date()) await this.#readProject();
-      });
+      case 'project':
+        return this.#later('project', () => this.#readProject());
+      case 'today':
+        return this.#later('today', async () => {
+          await this.#readToday();
+          if (this.sun?.date !== this.date()) await this.#readProject();
+        });
       case 'saving':
         this.saving = data;
         return this.tell('saving');
@@ -181,7 +195,10 @@ class House extends EventTarget {
     if (event) {
       const {enabled, paused_until, skip_next, actions} = programming;
       const count = Array.isArray(actions) ? actions.length : actions;
-      this.events.set(id, {...event, programming: {enabled, paused_until, skip_next, actions: count}});
+      this.events.set(id, {
+        ...event,
+        programming: {enabled, paused_until, skip_next, actions: count},
+      });
     }
     this.tell('events', {change: 'programming', id});
   }

@@ -60,8 +60,9 @@ function locale() {
 
 export function hours12() {
   if (setting('clock') !== 'auto') return setting('clock') === '12';
-  return new Intl.DateTimeFormat(browserLocale(), {hour: 'numeric'}).resolvedOptions().hour12 ===
-      true;
+  return (
+    new Intl.DateTimeFormat(browserLocale(), {hour: 'numeric'}).resolvedOptions().hour12 === true
+  );
 }
 
 /** 0 for Sunday. */
@@ -71,7 +72,9 @@ export function firstWeekday() {
     const place = new Intl.Locale(browserLocale());
     const info = place.getWeekInfo?.() ?? place.weekInfo;
     if (info) return info.firstDay % 7;
-    return ['US', 'CA', 'JP', 'IL', 'BR', 'MX', 'IN', 'ZA'].includes(place.maximize().region) ? 0 : 1;
+    return ['US', 'CA', 'JP', 'IL', 'BR', 'MX', 'IN', 'ZA'].includes(place.maximize().region)
+      ? 0
+      : 1;
   } catch {
     return 1;
   }
@@ -109,8 +112,7 @@ function formatOf(options) {
 const format = (day, options) => formatOf(options).format(dayMs(day));
 
 /** "21 Nov 2026" */
-export const dateText = (day) =>
-  format(day, {day: 'numeric', month: 'short', year: 'numeric'});
+export const dateText = (day) => format(day, {day: 'numeric', month: 'short', year: 'numeric'});
 /** "16–22 Nov 2026" */
 export const rangeText = (from, to) =>
   formatOf({day: 'numeric', month: 'short', year: 'numeric'}).formatRange(dayMs(from), dayMs(to));
@@ -127,7 +129,7 @@ export const monthText = (day) => format(day, {month: 'long', year: 'numeric'});
 export const monthName = (month, style = 'long') =>
   format(`2026-${String(month).padStart(2, '0')}-01`, {month: style});
 /** "Saturday" or "Sat"; 0 is Sunday. 4 January 1970 was one. */
-export const weekdayName = (index, style = 'long') => 
+export const weekdayName = (index, style = 'long') =>
   format(`1970-01-${String(4 + index).padStart(2, '0')}`, {weekday: style});
 export const weekdayNameOf = (day, style) => weekdayName(weekdayIndex(day), style);
 

@@ -18,7 +18,10 @@ const ROUTES = [
   [/^events$/, async () => (await import('./views/events.js')).events],
   [/^events\/new$/, async () => (await import('./views/event.js')).newEvent],
   [/^events\/(\d+)$/, async () => (await import('./views/event.js')).event],
-  [/^events\/(\d+)\/programming$/, async () => (await import('./views/programming.js')).programming],
+  [
+    /^events\/(\d+)\/programming$/,
+    async () => (await import('./views/programming.js')).programming,
+  ],
   [/^sun$/, async () => (await import('./views/sun.js')).sun],
   [/^journal$/, async () => (await import('./views/journal.js')).journal],
   [/^project$/, async () => (await import('./views/project.js')).project],
@@ -41,7 +44,7 @@ function routeOf(hash) {
 
 async function navigate() {
   const wanted = location.hash;
-  if (view?.leaves && !await view.leaves()) return history.replaceState(null, '', shownHash);
+  if (view?.leaves && !(await view.leaves())) return history.replaceState(null, '', shownHash);
   shownHash = wanted;
   await show(true);
 }
@@ -49,7 +52,9 @@ async function navigate() {
 async function show(focus) {
   const route = routeOf(location.hash);
   wantedRoute = route;
-  const make = await route.load().catch(() => { throw new Error(t('error.offline')); });
+  const make = await route.load().catch(() => {
+    throw new Error(t('error.offline'));
+  });
   if (route !== wantedRoute) return; // Somebody was quicker than the network.
   view?.end?.();
   main.replaceChildren();
@@ -63,8 +68,17 @@ async function show(focus) {
 }
 
 function drawNav(current) {
-  replace(document.getElementById('nav'), NAV.map((name) => h('a', {href: `#/${name}`, 'data-key': name,
-    'aria-current': name === current ? 'page' : null}, icon(name), h('span', null, t(`nav.${name}`)))));
+  replace(
+    document.getElementById('nav'),
+    NAV.map((name) =>
+      h(
+        'a',
+        {href: `#/${name}`, 'data-key': name, 'aria-current': name === current ? 'page' : null},
+        icon(name),
+        h('span', null, t(`nav.${name}`)),
+      ),
+    ),
+  );
 }
 
 /** What a wrong zone or place would show in. */
@@ -72,14 +86,41 @@ function drawHead() {
   const {place, timezone, away_until: away} = house.project;
   document.getElementById('name').textContent = house.name();
   const {sun: ofDay} = house;
-  const sunText = ofDay?.polar ? [h('span', null, t(`head.polar.${ofDay.polar}`))] : ofDay && [
-    h('span', {class: 'rise'}, icon('sunrise'), h('span', {class: 'unseen'}, t('say.sunrise')), ' ', timeText(wall(ofDay.sunrise).minutes)),
-    h('span', {class: 'set'}, icon('sunset'), h('span', {class: 'unseen'}, t('say.sunset')), ' ', timeText(wall(ofDay.sunset).minutes))];
-  replace(document.getElementById('facts'),
+  const sunText = ofDay?.polar
+    ? [h('span', null, t(`head.polar.${ofDay.polar}`))]
+    : ofDay && [
+        h(
+          'span',
+          {class: 'rise'},
+          icon('sunrise'),
+          h('span', {class: 'unseen'}, t('say.sunrise')),
+          ' ',
+          timeText(wall(ofDay.sunrise).minutes),
+        ),
+        h(
+          'span',
+          {class: 'set'},
+          icon('sunset'),
+          h('span', {class: 'unseen'}, t('say.sunset')),
+          ' ',
+          timeText(wall(ofDay.sunset).minutes),
+        ),
+      ];
+  replace(
+    document.getElementById('facts'),
     h('span', {class: 'now'}, h('time', {id: 'clock'})),
     h('span', {class: 'zone'}, `${timezone.name} · ${offsetText(offsetOf(house.project.now))}`),
-    h('a', {class: 'place', href: '#/project', 'data-key': 'place'}, icon('place'), placeText(place), place.guessed ? ` (${t('head.guessed')})` : ''),
-    sunText, away > house.date() && h('a', {class: 'away', href: '#/project', 'data-key': 'away'}, t('state.away')));
+    h(
+      'a',
+      {class: 'place', href: '#/project', 'data-key': 'place'},
+      icon('place'),
+      placeText(place),
+      place.guessed ? ` (${t('head.guessed')})` : '',
+    ),
+    sunText,
+    away > house.date() &&
+      h('a', {class: 'away', href: '#/project', 'data-key': 'away'}, t('state.away')),
+  );
   tick();
 }
 
@@ -101,26 +142,48 @@ function drawConnection() {
   state.className = connection;
   replace(state, h('i', {'aria-hidden': 'true'}), h('span', null, t(`connection.${connection}`)));
   const alarm = document.getElementById('alarm');
-  const texts = [connection === 'lost' && t('alarm.lost'), saving.ok === false && t('alarm.saving', {why: saving.why ?? ''})].filter(Boolean);
+  const texts = [
+    connection === 'lost' && t('alarm.lost'),
+    saving.ok === false && t('alarm.saving', {why: saving.why ?? ''}),
+  ].filter(Boolean);
   alarm.hidden = texts.length === 0;
   if (alarm.textContent !== texts.join(' ')) alarm.textContent = texts.join(' ');
 }
 
-const askForToken = () => dialog(t('token.title'), (close) => {
-  const input = h('input', {type: 'password', autocomplete: 'off', autofocus: true, 'aria-label': t('token.label')});
-  return h('form', {onsubmit: (submit) => {
-    submit.preventDefault();
-    close(input.value.trim());
-  }}, h('p', null, t('token.text')), input, h('footer', null, h('button', {class: 'primary'}, t('token.do'))));
-}, 'narrow').then((text) => {
-  if (text) api.setToken(text);
-  return text || null;
-});
+const askForToken = () =>
+  dialog(
+    t('token.title'),
+    (close) => {
+      const input = h('input', {
+        type: 'password',
+        autocomplete: 'off',
+        autofocus: true,
+        'aria-label': t('token.label'),
+      });
+      return h(
+        'form',
+        {
+          onsubmit: (submit) => {
+            submit.preventDefault();
+            close(input.value.trim());
+          },
+        },
+        h('p', null, t('token.text')),
+        input,
+        h('footer', null, h('button', {class: 'primary'}, t('token.do'))),
+      );
+    },
+    'narrow',
+  ).then((text) => {
+    if (text) api.setToken(text);
+    return text || null;
+  });
 
 function keys(event) {
   if (event.defaultPrevented || document.querySelector('dialog[open]')) return;
   const writing = event.target.closest?.('input, textarea, select');
-  if ((event.ctrlKey || event.metaKey) && event.key === 'z' && !writing && undo()) event.preventDefault();
+  if ((event.ctrlKey || event.metaKey) && event.key === 'z' && !writing && undo())
+    event.preventDefault();
 }
 
 function listen() {
@@ -168,8 +231,12 @@ async function start() {
   try {
     await house.start().catch(failed);
   } catch (error) {
-    return replace(main, h('h1', {tabindex: '-1'}, t('start.failed')), h('p', {class: 'error'}, error.message),
-      button(t('start.again'), () => location.reload(), {kind: 'primary'}));
+    return replace(
+      main,
+      h('h1', {tabindex: '-1'}, t('start.failed')),
+      h('p', {class: 'error'}, error.message),
+      button(t('start.again'), () => location.reload(), {kind: 'primary'}),
+    );
   }
   listen();
   drawFrame();
@@ -178,7 +245,9 @@ async function start() {
   document.documentElement.dataset.ready = '';
   performance.mark('ready');
   // So that the other views are there at once, also while the controller is away.
-  (globalThis.requestIdleCallback ?? setTimeout)(() => ROUTES.forEach(([, load]) => load().catch(() => {})));
+  (globalThis.requestIdleCallback ?? setTimeout)(() =>
+    ROUTES.forEach(([, load]) => load().catch(() => {})),
+  );
 }
 
 start().catch(failed);

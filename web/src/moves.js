@@ -1,8 +1,17 @@
 // What dragging an occurrence elsewhere makes of its event.
 
 import {
-  addDays, addMonths, dayOfMonth, daysBetween, daysInMonth, firstOfMonth, monthOf, nthOfMonth,
-  startOfWeek, weekdayOf, yearOf,
+  addDays,
+  addMonths,
+  dayOfMonth,
+  daysBetween,
+  daysInMonth,
+  firstOfMonth,
+  monthOf,
+  nthOfMonth,
+  startOfWeek,
+  weekdayOf,
+  yearOf,
 } from './dates.js';
 
 /**
@@ -24,13 +33,27 @@ function movedStart({start, repeat}, from, to, how) {
   if (how === 'start' || !repeat) return to.date;
   switch (repeat.unit) {
     // Its weekdays are named by the rule, and weeks begin on Sunday: only whole weeks count.
-    case 'week': return repeat.every === 1 ? start
-      : addDays(start, daysBetween(startOfWeek(from.date, 0), startOfWeek(to.date, 0)));
-    case 'month': return inMonth(addMonths(firstOfMonth(start), monthsBetween(from.date, to.date)),
-      dayOfMonth(to.date), repeat.every);
-    case 'year': return inMonth(addMonths(firstOfMonth(start), 12 * (yearOf(to.date) -
-      yearOf(from.date)) + monthOf(to.date) - monthOf(start)), dayOfMonth(to.date), 12 * repeat.every);
-    default: return addDays(start, daysBetween(from.date, to.date));
+    case 'week':
+      return repeat.every === 1
+        ? start
+        : addDays(start, daysBetween(startOfWeek(from.date, 0), startOfWeek(to.date, 0)));
+    case 'month':
+      return inMonth(
+        addMonths(firstOfMonth(start), monthsBetween(from.date, to.date)),
+        dayOfMonth(to.date),
+        repeat.every,
+      );
+    case 'year':
+      return inMonth(
+        addMonths(
+          firstOfMonth(start),
+          12 * (yearOf(to.date) - yearOf(from.date)) + monthOf(to.date) - monthOf(start),
+        ),
+        dayOfMonth(to.date),
+        12 * repeat.every,
+      );
+    default:
+      return addDays(start, daysBetween(from.date, to.date));
   }
 }
 

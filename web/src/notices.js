@@ -30,25 +30,30 @@ export function notice(text, {kind = 'plain', undo: takeBack, label, lasts} = {}
     if (element.contains(document.activeElement)) document.querySelector('main h1')?.focus();
     element.remove();
   };
-  const once = takeBack && (async () => {
-    close();
-    try {
-      await takeBack();
-    } catch (error) {
-      failed(error);
-    }
-  });
-  element.append(...[
-    kind === 'bad' && icon('warning'),
-    h('p', null, text),
-    once && button(label ?? t('undo'), once, {kind: 'small', 'data-key': 'undo'}),
-    iconButton(t('dismiss'), 'missed', close),
-  ].filter(Boolean));
+  const once =
+    takeBack &&
+    (async () => {
+      close();
+      try {
+        await takeBack();
+      } catch (error) {
+        failed(error);
+      }
+    });
+  element.append(
+    ...[
+      kind === 'bad' && icon('warning'),
+      h('p', null, text),
+      once && button(label ?? t('undo'), once, {kind: 'small', 'data-key': 'undo'}),
+      iconButton(t('dismiss'), 'missed', close),
+    ].filter(Boolean),
+  );
   const wait = () => {
     clearTimeout(timer);
     timer = setTimeout(close, lasts ?? (once ? UNDO_MS : PLAIN_MS));
   };
-  for (const name of ['pointerenter', 'focusin']) element.addEventListener(name, () => clearTimeout(timer));
+  for (const name of ['pointerenter', 'focusin'])
+    element.addEventListener(name, () => clearTimeout(timer));
   for (const name of ['pointerleave', 'focusout']) element.addEventListener(name, wait);
   shelf().append(element);
   while (shelf().children.length > 4) shelf().firstElementChild.remove();
@@ -95,10 +100,17 @@ export function dialog(title, fill, kind = '') {
       answer = value;
       element.close();
     };
-    const element = h('dialog', {class: kind, 'aria-labelledby': id},
-      h('header', null, h('h2', {id, tabindex: '-1'}, title),
-        iconButton(t('close'), 'missed', () => close())),
-      fill(close));
+    const element = h(
+      'dialog',
+      {class: kind, 'aria-labelledby': id},
+      h(
+        'header',
+        null,
+        h('h2', {id, tabindex: '-1'}, title),
+        iconButton(t('close'), 'missed', () => close()),
+      ),
+      fill(close),
+    );
     element.addEventListener('close', () => {
       element.remove();
       giveFocusBack(before, key);
@@ -120,9 +132,17 @@ function giveFocusBack(before, key) {
 }
 
 /** Asks before something that cannot be undone; true where it is wanted. */
-export const confirmed = (title, text, yes) => dialog(title, (close) => [
-  h('p', null, text),
-  h('footer', null,
-    button(t('cancel'), () => close(false)),
-    button(yes, () => close(true), {kind: 'primary', autofocus: true})),
-], 'narrow').then(Boolean);
+export const confirmed = (title, text, yes) =>
+  dialog(
+    title,
+    (close) => [
+      h('p', null, text),
+      h(
+        'footer',
+        null,
+        button(t('cancel'), () => close(false)),
+        button(yes, () => close(true), {kind: 'primary', autofocus: true}),
+      ),
+    ],
+    'narrow',
+  ).then(Boolean);

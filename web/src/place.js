@@ -4,7 +4,10 @@ import {numberText, t} from './locale.js';
 
 /** "52.52, 13.405", with a point or comma as decimals say it, and N, S, E, W. */
 export function readPlace(text) {
-  const parts = /^\s*([+-]?\d{1,3}(?:[.,]\d+)?)\s*°?\s*([NS])?\s*[,;\s]\s*([+-]?\d{1,3}(?:[.,]\d+)?)\s*°?\s*([EOW])?\s*$/i.exec(text.replace(/−/g, '-'));
+  const parts =
+    /^\s*([+-]?\d{1,3}(?:[.,]\d+)?)\s*°?\s*([NS])?\s*[,;\s]\s*([+-]?\d{1,3}(?:[.,]\d+)?)\s*°?\s*([EOW])?\s*$/i.exec(
+      text.replace(/−/g, '-'),
+    );
   if (!parts) return null;
   const latitude = Number(parts[1].replace(',', '.')) * (/s/i.test(parts[2] ?? '') ? -1 : 1);
   const longitude = Number(parts[3].replace(',', '.')) * (/w/i.test(parts[4] ?? '') ? -1 : 1);
@@ -13,6 +16,7 @@ export function readPlace(text) {
 
 /** "52.52° N, 13.41° E" */
 export function placeText({latitude, longitude}) {
-  const side = (degrees, [plus, minus]) => `${numberText(Math.abs(degrees))}° ${degrees < 0 ? minus : plus}`;
+  const side = (degrees, [plus, minus]) =>
+    `${numberText(Math.abs(degrees))}° ${degrees < 0 ? minus : plus}`;
   return `${side(latitude, [t('north'), t('south')])}, ${side(longitude, [t('east'), t('west')])}`;
 }

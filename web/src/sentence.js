@@ -2,7 +2,15 @@
 
 import {dayOfMonth, monthOf, nthOfMonth, weekdayIndex, WEEKDAYS} from './dates.js';
 import {
-  dateText, dayAndMonth, listText, longDate, monthName, t, timeText, weekdayName, weekOrder,
+  dateText,
+  dayAndMonth,
+  listText,
+  longDate,
+  monthName,
+  t,
+  timeText,
+  weekdayName,
+  weekOrder,
 } from './locale.js';
 
 /** "at 19:30", "30 minutes before sunset", with the random part. */
@@ -36,13 +44,19 @@ function repeatSentence(repeat, start) {
       return `${every} ${t('say.onDays', {days: listText(days.map((index) => weekdayName(index)))})}`;
     }
     case 'month':
-      return `${every} ${repeat.nth ? t('say.onNth', {nth: nthText(repeat.nth)})
-        : t('say.onDayOfMonth', {day: dayOfMonth(start)})}`;
+      return `${every} ${
+        repeat.nth
+          ? t('say.onNth', {nth: nthText(repeat.nth)})
+          : t('say.onDayOfMonth', {day: dayOfMonth(start)})
+      }`;
     case 'year':
-      return `${every} ${repeat.nth
-        ? t('say.onNthOf', {nth: nthText(repeat.nth), month: monthName(monthOf(start))})
-        : t('say.onDate', {date: dayAndMonth(start)})}`;
-    default: return every;
+      return `${every} ${
+        repeat.nth
+          ? t('say.onNthOf', {nth: nthText(repeat.nth), month: monthName(monthOf(start))})
+          : t('say.onDate', {date: dayAndMonth(start)})
+      }`;
+    default:
+      return every;
   }
 }
 

@@ -39,9 +39,11 @@ export function isHeld(event) {
 export function deedsOf(event) {
   return [
     [t('run'), 'run', () => deeds.runNow(event)],
-    event.programming?.skip_next ? [t('unskip'), 'skip', () => deeds.dontSkip(event)]
+    event.programming?.skip_next
+      ? [t('unskip'), 'skip', () => deeds.dontSkip(event)]
       : [t('skip'), 'skip', () => deeds.skipNext(event)],
-    isHeld(event) ? [t('resume'), 'run', () => deeds.resume(event)]
+    isHeld(event)
+      ? [t('resume'), 'run', () => deeds.resume(event)]
       : [t('pause'), 'pause', () => deeds.pause(event)],
   ];
 }
@@ -54,24 +56,39 @@ export async function showEvent(id, {occurrence, move} = {}) {
   const event = house.events.get(id);
   if (!event) return;
   const deed = await dialog(event.description, (close) => {
-    const doing = (label, drawing, work, kind = '') => button(label, () => close(work), {drawing, kind});
+    const doing = (label, drawing, work, kind = '') =>
+      button(label, () => close(work), {drawing, kind});
     const going = (label, path) =>
       h('a', {class: 'button', href: `#/${path}`, onclick: () => close()}, label);
     const holds = holdsText(event);
     return [
       h('p', {class: 'lead'}, icon(baseIcon(event.time?.base)), ' ', sentence(event, house.date())),
-      occurrence && h('p', null, t('sheet.this', {
-        date: longDate(occurrence.day), time: timeText(occurrence.minutes)})),
+      occurrence &&
+        h(
+          'p',
+          null,
+          t('sheet.this', {
+            date: longDate(occurrence.day),
+            time: timeText(occurrence.minutes),
+          }),
+        ),
       h('p', null, event.next ? t('sheet.next', {when: momentText(event.next)}) : t('sheet.never')),
       holds && h('p', {class: 'held'}, icon('held'), ' ', holds),
-      h('div', {class: 'row'},
+      h(
+        'div',
+        {class: 'row'},
         deedsOf(event).map(([label, drawing, work]) => doing(label, drawing, work)),
-        move && !event.odd && doing(t('move'), 'shift', move)),
-      h('footer', null,
-        going(t('edit'), `events/${id}`), going(t('nav.programming'), `events/${id}/programming`),
+        move && !event.odd && doing(t('move'), 'shift', move),
+      ),
+      h(
+        'footer',
+        null,
+        going(t('edit'), `events/${id}`),
+        going(t('nav.programming'), `events/${id}/programming`),
         going(t('nav.journal'), `journal?event=${id}`),
         doing(t('duplicate'), 'plus', () => duplicateAndOpen(event)),
-        doing(t('delete'), 'remove', () => deeds.remove(event), 'danger')),
+        doing(t('delete'), 'remove', () => deeds.remove(event), 'danger'),
+      ),
     ];
   });
   await deed?.();

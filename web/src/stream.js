@@ -77,7 +77,7 @@ export class Stream {
 
   async #connect() {
     if (this.#abort) return;
-    const abort = this.#abort = new AbortController();
+    const abort = (this.#abort = new AbortController());
     let silence;
     const heard = () => {
       clearTimeout(silence);
@@ -87,7 +87,11 @@ export class Stream {
       heard();
       const headers = {...authorization(), Accept: 'text/event-stream'};
       if (this.#lastId !== null) headers['Last-Event-ID'] = this.#lastId;
-      const response = await fetch('api/v1/stream', {headers, signal: abort.signal, cache: 'no-store'});
+      const response = await fetch('api/v1/stream', {
+        headers,
+        signal: abort.signal,
+        cache: 'no-store',
+      });
       if (!response.ok) throw new Error(String(response.status));
       // Told nothing yet, so what happened between reading the page's data and now is not known.
       if (this.#lastId === null && this.#tries > 0) this.#listener.onGap();

@@ -13,9 +13,23 @@ before(async () => {
   await openBrowser();
   house = await House.start();
   const action = {if: {kind: 'time', is: 'night'}, hook: {url: 'http://127.0.0.1:9/'}};
-  ({id} = await house.ask('POST', '/events', {description: 'Porch light at sunset', time: {base: 'sunset', minutes: 0}, repeat: {unit: 'week', on: ['mon', 'tue', 'sat']},
-    programming: {actions: [action, {command: {argv: ['/bin/true']}}, {variable: {device: 1, variable: 2, value: '3'}}]}}));
-  await house.ask('PATCH', `/events/${(await house.ask('GET', '/events')).events[0].id}/programming`, {paused_until: dayFromNow(3)});
+  ({id} = await house.ask('POST', '/events', {
+    description: 'Porch light at sunset',
+    time: {base: 'sunset', minutes: 0},
+    repeat: {unit: 'week', on: ['mon', 'tue', 'sat']},
+    programming: {
+      actions: [
+        action,
+        {command: {argv: ['/bin/true']}},
+        {variable: {device: 1, variable: 2, value: '3'}},
+      ],
+    },
+  }));
+  await house.ask(
+    'PATCH',
+    `/events/${(await house.ask('GET', '/events')).events[0].id}/programming`,
+    {paused_until: dayFromNow(3)},
+  );
   await house.ask('POST', `/events/${id}/press`);
 });
 after(async () => {
@@ -25,9 +39,18 @@ after(async () => {
 
 /** Every view, and what shows that it is there. */
 const views = () => ({
-  'today': '.next .name', 'calendar?view=month': '.month .chip', 'calendar?view=week': '.column .chip', 'calendar?view=day': '.column',
-  'calendar?view=agenda': '.agendaday', 'events': '.events > li', 'events/new': '.occurrences li', [`events/${id}`]: '.occurrences li',
-  [`events/${id}/programming`]: '.verdict strong', 'sun': '.plot svg', 'journal': '.entry', 'project': '.backups li',
+  'today': '.next .name',
+  'calendar?view=month': '.month .chip',
+  'calendar?view=week': '.column .chip',
+  'calendar?view=day': '.column',
+  'calendar?view=agenda': '.agendaday',
+  'events': '.events > li',
+  'events/new': '.occurrences li',
+  [`events/${id}`]: '.occurrences li',
+  [`events/${id}/programming`]: '.verdict strong',
+  'sun': '.plot svg',
+  'journal': '.entry',
+  'project': '.backups li',
 });
 
 for (const colorScheme of ['light', 'dark']) {
@@ -47,11 +70,20 @@ for (const colorScheme of ['light', 'dark']) {
 }
 
 test('a phone shows every view without sideways scrolling, and the checker finds nothing', async () => {
-  const page = await open(house, '', {viewport: {width: 360, height: 740}, hasTouch: true, isMobile: true});
+  const page = await open(house, '', {
+    viewport: {width: 360, height: 740},
+    hasTouch: true,
+    isMobile: true,
+  });
   for (const [view, sign] of Object.entries(views())) {
     await page.goto(`${house.url}#/${view}`);
-    await page.locator(view.includes('month') ? '.month .dots' : sign).first().waitFor({state: 'attached'});
-    const wider = await page.evaluate(() => document.documentElement.scrollWidth - document.documentElement.clientWidth);
+    await page
+      .locator(view.includes('month') ? '.month .dots' : sign)
+      .first()
+      .waitFor({state: 'attached'});
+    const wider = await page.evaluate(
+      () => document.documentElement.scrollWidth - document.documentElement.clientWidth,
+    );
     assert.ok(wider <= 0, `${view} is ${wider} pixels too wide`);
     assert.deepEqual(await findings(page), [], view);
   }
@@ -59,7 +91,11 @@ test('a phone shows every view without sideways scrolling, and the checker finds
 });
 
 test('on a phone a day is one tap away, and an event is one more', async () => {
-  const page = await open(house, `#/calendar?view=month&date=${dayFromNow(7)}`, {viewport: {width: 360, height: 740}, hasTouch: true, isMobile: true});
+  const page = await open(house, `#/calendar?view=month&date=${dayFromNow(7)}`, {
+    viewport: {width: 360, height: 740},
+    hasTouch: true,
+    isMobile: true,
+  });
   const {next} = await house.ask('GET', `/events/${id}`);
   await page.goto(`${house.url}#/calendar?view=month&date=${next.slice(0, 10)}`);
   await page.locator(`[data-key="day-${next.slice(0, 10)}"]`).tap();
@@ -70,11 +106,13 @@ test('on a phone a day is one tap away, and an event is one more', async () => {
 
 test('an event is added, moved and deleted by the keyboard alone', async () => {
   const page = await open(house, '#/today');
-  const press = (...keys) => keys.reduce((before, key) => before.then(() => page.keyboard.press(key)), Promise.resolve());
-  const focused = () => page.evaluate(() => document.activeElement.dataset.key ?? document.activeElement.id);
+  const press = (...keys) =>
+    keys.reduce((before, key) => before.then(() => page.keyboard.press(key)), Promise.resolve());
+  const focused = () =>
+    page.evaluate(() => document.activeElement.dataset.key ?? document.activeElement.id);
   const tabTo = async (key) => {
     for (let count = 0; count < 80; ++count) {
-      if (await focused() === key) return;
+      if ((await focused()) === key) return;
       await press('Tab');
     }
     assert.fail(`Tab does not lead to ${key}`);
@@ -85,7 +123,7 @@ test('an event is added, moved and deleted by the keyboard alone', async () => {
   assert.equal(await focused(), 'main');
 
   await page.goto(`${house.url}#/events/new`);
-  await until(async () => await focused() === 'description', 'the name to be ready to type');
+  await until(async () => (await focused()) === 'description', 'the name to be ready to type');
   await page.keyboard.type('Typed');
   await tabTo('repeats');
   await page.keyboard.type('once');
@@ -106,7 +144,10 @@ test('an event is added, moved and deleted by the keyboard alone', async () => {
   await press('Enter');
   const dialog = page.getByRole('dialog', {name: 'Typed'});
   await dialog.waitFor();
-  assert.ok(await page.evaluate(() => document.activeElement.closest('dialog') !== null), 'the focus is in the dialog');
+  assert.ok(
+    await page.evaluate(() => document.activeElement.closest('dialog') !== null),
+    'the focus is in the dialog',
+  );
   await dialog.getByRole('button', {name: 'Move…'}).focus();
   await press('Enter');
   const move = page.getByRole('dialog', {name: 'Move “Typed”'});
@@ -136,16 +177,25 @@ test('midnight and noon are told apart on the clock of 12 hours', async () => {
   const page = await open(house, '#/events/new', {locale: 'en-US'});
   await page.getByLabel('Name').fill('Midnight');
   await page.getByLabel('Time of day').fill('12:00 AM');
-  await page.locator('.preview .lead').getByText(/^every day, at 12:00\sAM/).waitFor();
+  await page
+    .locator('.preview .lead')
+    .getByText(/^every day, at 12:00\sAM/)
+    .waitFor();
   await page.getByRole('button', {name: 'Add event'}).click();
   await page.getByRole('heading', {level: 1, name: 'Midnight'}).waitFor();
   assert.equal((await house.eventNamed('Midnight')).time.at, '00:00');
   await page.getByLabel('Time of day').fill('12:00 PM');
-  await page.locator('.preview .lead').getByText(/^every day, at 12:00\sPM/).waitFor();
+  await page
+    .locator('.preview .lead')
+    .getByText(/^every day, at 12:00\sPM/)
+    .waitFor();
   await page.getByRole('button', {name: 'Save'}).click();
   await until(async () => (await house.eventNamed('Midnight')).time.at === '12:00', 'noon');
   await page.getByLabel('Time of day').fill('00:00');
-  await page.locator('.preview .lead').getByText(/^every day, at 12:00\sAM/).waitFor();
+  await page
+    .locator('.preview .lead')
+    .getByText(/^every day, at 12:00\sAM/)
+    .waitFor();
   await page.done();
 });
 
@@ -190,7 +240,10 @@ test('a German browser is spoken to in German, in every view', async () => {
     assert.deepEqual(await findings(page), [], view);
   }
   await page.goto(`${house.url}#/events/${id}`);
-  await page.locator('.preview .lead').getByText('jede Woche am Montag, Dienstag und Samstag, bei Sonnenuntergang').waitFor();
+  await page
+    .locator('.preview .lead')
+    .getByText('jede Woche am Montag, Dienstag und Samstag, bei Sonnenuntergang')
+    .waitFor();
   await page.goto(`${house.url}#/project`);
   await page.getByLabel('Sprache').selectOption('en');
   await page.getByRole('link', {name: 'Today'}).waitFor();

@@ -19,15 +19,25 @@ after(async () => {
 
 /** The wall clock in Berlin so many seconds from now: its day and minutes. */
 function soon(seconds) {
-  const text = new Intl.DateTimeFormat('sv-SE', {timeZone: 'Europe/Berlin', dateStyle: 'short', timeStyle: 'medium'})
-    .format(new Date(Date.now() + seconds * 1000));
-  return {day: text.slice(0, 10), minutes: Number(text.slice(11, 13)) * 60 + Number(text.slice(14, 16))};
+  const text = new Intl.DateTimeFormat('sv-SE', {
+    timeZone: 'Europe/Berlin',
+    dateStyle: 'short',
+    timeStyle: 'medium',
+  }).format(new Date(Date.now() + seconds * 1000));
+  return {
+    day: text.slice(0, 10),
+    minutes: Number(text.slice(11, 13)) * 60 + Number(text.slice(14, 16)),
+  };
 }
 
 test('an event fires while one looks on', async () => {
   // The minute after next begins in 60 to 120 seconds.
   const {day, minutes} = soon(61);
-  const {id} = await house.ask('POST', '/events', {description: 'Any moment', start: day, time: {base: 'clock', minutes}});
+  const {id} = await house.ask('POST', '/events', {
+    description: 'Any moment',
+    start: day,
+    time: {base: 'clock', minutes},
+  });
   const page = await open(house, '#/today');
   if (day === soon(0).day) {
     const row = page.locator('.occurrence').filter({hasText: 'Any moment'}).first();
@@ -40,7 +50,11 @@ test('an event fires while one looks on', async () => {
 });
 
 test('the journal grows while one reads it', async () => {
-  const {id} = await house.ask('POST', '/events', {description: 'Bell', time: {base: 'clock', minutes: 600}, repeat: {unit: 'day'}});
+  const {id} = await house.ask('POST', '/events', {
+    description: 'Bell',
+    time: {base: 'clock', minutes: 600},
+    repeat: {unit: 'day'},
+  });
   const page = await open(house, `#/journal?event=${id}`);
   await page.locator('.entry.change').waitFor();
   await house.ask('POST', `/events/${id}/run`);
@@ -69,18 +83,35 @@ test('two pages see what the other does', async () => {
 });
 
 test('of two who change the same the second is asked', async () => {
-  const {id} = await house.ask('POST', '/events', {description: 'Contested', time: {base: 'clock', minutes: 600}, repeat: {unit: 'day'}});
+  const {id} = await house.ask('POST', '/events', {
+    description: 'Contested',
+    time: {base: 'clock', minutes: 600},
+    repeat: {unit: 'day'},
+  });
   const page = await open(house, `#/events/${id}`, {expects: /status of 412/});
   await page.getByLabel('Time of day').fill('11:00');
   await house.ask('PATCH', `/events/${id}`, {time: {base: 'clock', minutes: 720}});
   await page.getByText('It was just changed elsewhere.').waitFor();
-  assert.equal(await page.getByLabel('Time of day').inputValue(), '11:00', 'what was typed is still there');
+  assert.equal(
+    await page.getByLabel('Time of day').inputValue(),
+    '11:00',
+    'what was typed is still there',
+  );
   await page.getByRole('button', {name: 'Save'}).click();
-  await page.getByRole('dialog', {name: 'It was changed meanwhile'}).getByRole('button', {name: 'Cancel'}).click();
+  await page
+    .getByRole('dialog', {name: 'It was changed meanwhile'})
+    .getByRole('button', {name: 'Cancel'})
+    .click();
   assert.equal((await house.ask('GET', `/events/${id}`)).time.minutes, 720);
   await page.getByRole('button', {name: 'Save'}).click();
-  await page.getByRole('dialog', {name: 'It was changed meanwhile'}).getByRole('button', {name: 'Replace it'}).click();
-  await until(async () => (await house.ask('GET', `/events/${id}`)).time.minutes === 660, 'the second version');
+  await page
+    .getByRole('dialog', {name: 'It was changed meanwhile'})
+    .getByRole('button', {name: 'Replace it'})
+    .click();
+  await until(
+    async () => (await house.ask('GET', `/events/${id}`)).time.minutes === 660,
+    'the second version',
+  );
   await page.done();
 });
 
@@ -88,18 +119,28 @@ test('what is typed is not left behind by accident', async () => {
   const page = await open(house, '#/events/new');
   await page.getByLabel('Name').fill('Half done');
   await page.getByRole('link', {name: 'Calendar'}).click();
-  await page.getByRole('dialog', {name: 'Leave without saving?'}).getByRole('button', {name: 'Cancel'}).click();
+  await page
+    .getByRole('dialog', {name: 'Leave without saving?'})
+    .getByRole('button', {name: 'Cancel'})
+    .click();
   assert.equal(await page.getByLabel('Name').inputValue(), 'Half done');
   await page.getByRole('link', {name: 'Calendar'}).click();
-  await page.getByRole('dialog', {name: 'Leave without saving?'}).getByRole('button', {name: 'Leave'}).click();
+  await page
+    .getByRole('dialog', {name: 'Leave without saving?'})
+    .getByRole('button', {name: 'Leave'})
+    .click();
   await page.locator('.month, .agendaday').first().waitFor();
   await page.done();
 });
 
 test('a disk that takes nothing is told, also to who comes later, until it does', async () => {
   // Another process holds the project's file.
-  const hold = spawn('python3', ['-c', 'import sqlite3, sys\n' +
-    'c = sqlite3.connect(sys.argv[1], isolation_level=None)\nc.execute("begin immediate")\nprint("held", flush=True)\nsys.stdin.read()', house.file]);
+  const hold = spawn('python3', [
+    '-c',
+    'import sqlite3, sys\n' +
+      'c = sqlite3.connect(sys.argv[1], isolation_level=None)\nc.execute("begin immediate")\nprint("held", flush=True)\nsys.stdin.read()',
+    house.file,
+  ]);
   try {
     await new Promise((resolve) => hold.stdout.once('data', resolve));
     const page = await open(house, '#/events', {expects: /status of 503/});
@@ -122,7 +163,11 @@ test('a controller that goes away is missed, and greeted when it is back', async
   await page.locator('#connection.live').waitFor();
   await house.restart();
   await until(async () => (await page.locator('#connection.live').count()) === 1, 'the connection');
-  await house.ask('POST', '/events', {description: 'After the night', time: {base: 'clock', minutes: 600}, repeat: {unit: 'day'}});
+  await house.ask('POST', '/events', {
+    description: 'After the night',
+    time: {base: 'clock', minutes: 600},
+    repeat: {unit: 'day'},
+  });
   await page.getByRole('link', {name: 'After the night'}).waitFor();
   await house.halt();
   await page.locator('#connection.lost').waitFor();

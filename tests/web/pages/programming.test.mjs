@@ -27,7 +27,12 @@ after(async () => {
   hub.close();
 });
 
-const event = (description) => house.ask('POST', '/events', {description, time: {base: 'clock', minutes: 600}, repeat: {unit: 'day'}});
+const event = (description) =>
+  house.ask('POST', '/events', {
+    description,
+    time: {base: 'clock', minutes: 600},
+    repeat: {unit: 'day'},
+  });
 const address = (path) => `http://127.0.0.1:${hub.address().port}${path}`;
 
 test('a web request is written, tried out and saved', async () => {
@@ -37,12 +42,22 @@ test('a web request is written, tried out and saved', async () => {
   await page.getByLabel('Address').fill(address('/lamp'));
   await page.getByLabel('Body').fill('{"event": {event}, "what": "{description}"}');
   await page.getByRole('button', {name: 'Test now'}).click();
-  await page.locator('.outcome').getByText(/^ ?done/).waitFor();
-  assert.deepEqual(heard.at(-1), {method: 'POST', url: '/lamp', body: `{"event": ${id}, "what": "Lamp"}`});
+  await page
+    .locator('.outcome')
+    .getByText(/^ ?done/)
+    .waitFor();
+  assert.deepEqual(heard.at(-1), {
+    method: 'POST',
+    url: '/lamp',
+    body: `{"event": ${id}, "what": "Lamp"}`,
+  });
 
   await page.getByLabel('Address').fill(address('/broken'));
   await page.getByRole('button', {name: 'Test now'}).click();
-  await page.locator('.outcome').getByText(/failed.*404/).waitFor();
+  await page
+    .locator('.outcome')
+    .getByText(/failed.*404/)
+    .waitFor();
 
   await page.getByRole('button', {name: 'Save'}).click();
   await page.getByText('What it does was saved').waitFor();
@@ -68,7 +83,12 @@ test('a command and a variable, and their order', async () => {
   await page.getByRole('button', {name: 'Save'}).click();
   await page.getByText('What it does was saved').waitFor();
   const {actions} = await house.ask('GET', `/events/${id}/programming`);
-  assert.deepEqual(actions.map((action) => Object.keys(action).find((key) => ['variable', 'command'].includes(key))), ['variable', 'command']);
+  assert.deepEqual(
+    actions.map((action) =>
+      Object.keys(action).find((key) => ['variable', 'command'].includes(key)),
+    ),
+    ['variable', 'command'],
+  );
   assert.deepEqual(actions[1].command.argv, ['/bin/echo', 'hello {description}']);
   await page.done();
 });
@@ -106,7 +126,8 @@ test('every kind of condition is chosen, said in words, and tested now', async (
 
   await kind.selectOption('month');
   await is.selectOption('eq');
-  for (const month of ['Jan', 'Dec']) await page.getByRole('checkbox', {name: month}).setChecked(month === 'Jan');
+  for (const month of ['Jan', 'Dec'])
+    await page.getByRole('checkbox', {name: month}).setChecked(month === 'Jan');
   await verdict.getByText(/the month is January/).waitFor();
   await page.getByRole('button', {name: 'Save'}).click();
   await page.getByText('What it does was saved').waitFor();
@@ -135,6 +156,9 @@ test('what is missed may be caught up', async () => {
   const page = await open(house, `#/events/${id}/programming`);
   await page.getByLabel('What happens with what was missed').selectOption('always');
   await page.getByRole('button', {name: 'Save'}).click();
-  await until(async () => (await house.ask('GET', `/events/${id}/programming`)).catch_up.policy === 'always', 'the policy');
+  await until(
+    async () => (await house.ask('GET', `/events/${id}/programming`)).catch_up.policy === 'always',
+    'the policy',
+  );
   await page.done();
 });

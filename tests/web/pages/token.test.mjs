@@ -16,8 +16,19 @@ before(async () => {
   await openBrowser();
   const folder = await mkdtemp(join(tmpdir(), 'vexalink-web-'));
   for (const role of ['view', 'operate', 'edit']) {
-    const line = ['token', 'add', `a-${role}`, '--role', role, '--project', join(folder, 'house.db')];
-    tokens[role] = execFileSync(PROGRAM, line, {encoding: 'utf8', stdio: ['ignore', 'pipe', 'ignore']}).trim();
+    const line = [
+      'token',
+      'add',
+      `a-${role}`,
+      '--role',
+      role,
+      '--project',
+      join(folder, 'house.db'),
+    ];
+    tokens[role] = execFileSync(PROGRAM, line, {
+      encoding: 'utf8',
+      stdio: ['ignore', 'pipe', 'ignore'],
+    }).trim();
   }
   house = await House.start({folder, listen: '0.0.0.0:0'});
 });
@@ -38,7 +49,14 @@ async function enter(token, path, options = {}) {
 test('a token is asked for until it is right, and kept as long as the tab', async () => {
   const page = await enter('nonsense', '#/events');
   const dialog = page.getByRole('dialog', {name: 'A token, please'});
-  await until(async () => await dialog.getByLabel('Token').inputValue().catch(() => 'gone') === '', 'the question to come again');
+  await until(
+    async () =>
+      (await dialog
+        .getByLabel('Token')
+        .inputValue()
+        .catch(() => 'gone')) === '',
+    'the question to come again',
+  );
   await dialog.getByLabel('Token').fill(tokens.edit);
   await dialog.getByRole('button', {name: 'Go on'}).click();
   await page.locator('.events > li').first().waitFor();
@@ -67,6 +85,10 @@ test('who may operate pauses, and does not rename', async () => {
   await page.getByLabel('Name').fill('Another name');
   await page.getByRole('button', {name: 'Save'}).click();
   await page.locator('.notice.bad').getByText('not allowed with this token').waitFor();
-  assert.equal(await page.getByLabel('Name').inputValue(), 'Another name', 'what was typed is still there');
+  assert.equal(
+    await page.getByLabel('Name').inputValue(),
+    'Another name',
+    'what was typed is still there',
+  );
   await page.done();
 });

@@ -48,18 +48,27 @@ const steps = {
     await page.getByLabel('Before or after').selectOption('before');
     await page.getByLabel('Sunrise or sunset').selectOption('sunset');
     await page.getByLabel('Give or take how many minutes').fill('10');
-    await page.locator('.preview .lead').getByText('30 minutes before sunset, give or take 10 minutes').waitFor();
+    await page
+      .locator('.preview .lead')
+      .getByText('30 minutes before sunset, give or take 10 minutes')
+      .waitFor();
     assert.equal(await page.locator('.preview .occurrences li').count(), 10);
     await word('Add event', 'button');
     await page.getByRole('heading', {level: 1, name: 'Porch'}).waitFor();
   },
   'What it does': async (page, word) => {
-    await page.getByRole('navigation', {name: 'Of this event'}).getByRole('link', {name: await word('What it does', 'label')}).click();
+    await page
+      .getByRole('navigation', {name: 'Of this event'})
+      .getByRole('link', {name: await word('What it does', 'label')})
+      .click();
     await word('Add an action', 'button');
     await page.getByLabel('What it does', {exact: true}).selectOption('command');
     await page.getByLabel('Program and arguments').fill('/bin/echo\n{description}');
     await page.getByLabel('Condition', {exact: true}).selectOption('month');
-    await page.locator('.verdict').getByText(/(true|false) now, because/).waitFor();
+    await page
+      .locator('.verdict')
+      .getByText(/(true|false) now, because/)
+      .waitFor();
     await page.getByLabel('Condition', {exact: true}).selectOption('');
     await word('Test now', 'button');
     await page.locator('.outcome pre').getByText('Porch').waitFor();
@@ -70,15 +79,25 @@ const steps = {
     await word('Calendar');
     await word('Week', 'button');
     await page.getByRole('button', {name: 'Later'}).click();
-    await page.locator('.column .chip').filter({has: page.getByText('Porch', {exact: true})}).nth(2).click();
+    await page
+      .locator('.column .chip')
+      .filter({has: page.getByText('Porch', {exact: true})})
+      .nth(2)
+      .click();
     await word('Move…', 'button');
     const dialog = page.getByRole('dialog', {name: 'Move “Porch”'});
     const time = dialog.getByLabel('at', {exact: true});
     await time.fill('15:00');
     await dialog.getByLabel(await word('Every time', 'label')).check();
-    await dialog.locator('.preview .lead').getByText(/sunset/).waitFor();
+    await dialog
+      .locator('.preview .lead')
+      .getByText(/sunset/)
+      .waitFor();
     await dialog.getByRole('button', {name: await word('Move', 'label'), exact: true}).click();
-    await until(async () => (await house.eventNamed('Porch')).time.minutes !== -30, 'the event at another time');
+    await until(
+      async () => (await house.eventNamed('Porch')).time.minutes !== -30,
+      'the event at another time',
+    );
   },
   'What happened': async (page, word) => {
     await word('Journal');
@@ -92,9 +111,17 @@ const steps = {
 };
 
 test('the tour leads where it says', async () => {
-  const sections = (await readFile(TOUR, 'utf8')).split(/^## /m).slice(1)
-    .map((text) => [text.slice(0, text.indexOf('\n')), [...text.matchAll(/\*\*([^*]+)\*\*/g)].map((match) => match[1].replace(/\s+/g, ' '))]);
-  assert.deepEqual(sections.map(([title]) => title), Object.keys(steps));
+  const sections = (await readFile(TOUR, 'utf8'))
+    .split(/^## /m)
+    .slice(1)
+    .map((text) => [
+      text.slice(0, text.indexOf('\n')),
+      [...text.matchAll(/\*\*([^*]+)\*\*/g)].map((match) => match[1].replace(/\s+/g, ' ')),
+    ]);
+  assert.deepEqual(
+    sections.map(([title]) => title),
+    Object.keys(steps),
+  );
   const page = await open(house);
   for (const [title, words] of sections) {
     const left = [...words];

@@ -5,16 +5,48 @@ import * as dates from '../../../web/src/dates.js';
 
 test('a time of day is read as people write it', () => {
   const rows = [
-    ['7:30', 450], ['07:30', 450], ['0730', 450], ['7.30', 450], ['19:30', 1170], ['7', 420],
-    ['7:30 pm', 1170], ['7:30pm', 1170], ['7 PM', 1140], ['7:30 p.m.', 1170], ['7:30\u202fPM', 1170],
-    ['12:00 AM', 0], ['12:00 PM', 720], ['12 am', 0], ['12:30 am', 30], ['00:00', 0], ['0:00', 0],
-    ['noon', 720], ['midnight', 0], ['Mittag', 720], ['Mitternacht', 0], ['19 Uhr', 1140], ['23:59', 1439],
+    ['7:30', 450],
+    ['07:30', 450],
+    ['0730', 450],
+    ['7.30', 450],
+    ['19:30', 1170],
+    ['7', 420],
+    ['7:30 pm', 1170],
+    ['7:30pm', 1170],
+    ['7 PM', 1140],
+    ['7:30 p.m.', 1170],
+    ['7:30\u202fPM', 1170],
+    ['12:00 AM', 0],
+    ['12:00 PM', 720],
+    ['12 am', 0],
+    ['12:30 am', 30],
+    ['00:00', 0],
+    ['0:00', 0],
+    ['noon', 720],
+    ['midnight', 0],
+    ['Mittag', 720],
+    ['Mitternacht', 0],
+    ['19 Uhr', 1140],
+    ['23:59', 1439],
   ];
   for (const [text, minutes] of rows) assert.equal(dates.readClock(text), minutes, text);
 });
 
 test('what is no time of day is not taken for one', () => {
-  for (const text of ['', '24:00', '7:60', '13 pm', '0 am', '0:30 pm', 'evening', '7:3', '1:2:3', '-1', '7:30 xm', null]) {
+  for (const text of [
+    '',
+    '24:00',
+    '7:60',
+    '13 pm',
+    '0 am',
+    '0:30 pm',
+    'evening',
+    '7:3',
+    '1:2:3',
+    '-1',
+    '7:30 xm',
+    null,
+  ]) {
     assert.equal(dates.readClock(text), null, String(text));
   }
 });
@@ -53,7 +85,11 @@ test('the place of a day among its weekdays of the month', () => {
 });
 
 test('the wall clock is taken from the text of a moment, whatever zone this is', () => {
-  assert.deepEqual(dates.wall('2026-11-21T16:04:09+01:00'), {day: '2026-11-21', minutes: 964, seconds: 9});
+  assert.deepEqual(dates.wall('2026-11-21T16:04:09+01:00'), {
+    day: '2026-11-21',
+    minutes: 964,
+    seconds: 9,
+  });
   assert.deepEqual(dates.wall('16:04'), {day: null, minutes: 964, seconds: 0});
   assert.equal(dates.wall('soon'), null);
   assert.equal(dates.offsetOf('2026-11-21T16:04:09+01:00'), 60);

@@ -13,8 +13,15 @@ const SOURCES = fileURLToPath(new URL('../../../web/src/', import.meta.url));
 
 async function sources(folder = SOURCES) {
   const entries = await readdir(folder, {withFileTypes: true});
-  const texts = await Promise.all(entries.map((entry) => (entry.isDirectory() ? sources(join(folder, entry.name))
-    : entry.name === 'strings.js' ? '' : readFile(join(folder, entry.name), 'utf8'))));
+  const texts = await Promise.all(
+    entries.map((entry) =>
+      entry.isDirectory()
+        ? sources(join(folder, entry.name))
+        : entry.name === 'strings.js'
+          ? ''
+          : readFile(join(folder, entry.name), 'utf8'),
+    ),
+  );
   return texts.join('\n');
 }
 
@@ -33,15 +40,23 @@ test('each text has the same gaps in both languages', () => {
 test('every text that the page asks for is there, and every text is asked for', async () => {
   const source = await sources();
   const whole = new Set([...source.matchAll(/\bt\('([\w.-]+)'/g)].map((match) => match[1]));
-  for (const [, first, second] of source.matchAll(/\bt\([^'`]*? \? '([\w.-]+)' : '([\w.-]+)'/g)) whole.add(first).add(second);
+  for (const [, first, second] of source.matchAll(/\bt\([^'`]*? \? '([\w.-]+)' : '([\w.-]+)'/g))
+    whole.add(first).add(second);
   for (const key of whole) assert.ok(key in strings.en, `there is no text "${key}"`);
   // Some are put together: t(`state.${state}`).
   const stems = [...source.matchAll(/`([\w.]+\.)\$\{/g)].map((match) => match[1]);
-  const unused = Object.keys(strings.en).filter((key) => !whole.has(key) && !stems.some((stem) => key.startsWith(stem)));
+  const unused = Object.keys(strings.en).filter(
+    (key) => !whole.has(key) && !stems.some((stem) => key.startsWith(stem)),
+  );
   assert.deepEqual(unused, []);
 });
 
-const daily = (time) => ({description: 'Porch', start: '2026-11-01', time, repeat: {unit: 'day', every: 1}});
+const daily = (time) => ({
+  description: 'Porch',
+  start: '2026-11-01',
+  time,
+  repeat: {unit: 'day', every: 1},
+});
 const today = '2026-11-21';
 
 test('a rule reads like a sentence', () => {
@@ -50,42 +65,79 @@ test('a rule reads like a sentence', () => {
   choose('week', '1');
   const noon = {base: 'clock', minutes: 720, spread: 0};
   const rows = [
-    [daily({base: 'sunset', minutes: -30, spread: 10}), 'every day, 30 minutes before sunset, give or take 10 minutes'],
+    [
+      daily({base: 'sunset', minutes: -30, spread: 10}),
+      'every day, 30 minutes before sunset, give or take 10 minutes',
+    ],
     [daily({base: 'sunrise', minutes: 0, spread: 0}), 'every day, at sunrise'],
     [daily({base: 'sunrise', minutes: 1, spread: 0}), 'every day, 1 minute after sunrise'],
     [daily({base: 'clock', minutes: -30, spread: 0}), 'every day, at 23:30 the day before'],
     [daily({base: 'clock', minutes: 1470, spread: 0}), 'every day, at 00:30 the day after'],
-    [{...daily(noon), repeat: {unit: 'week', every: 1, on: ['sun', 'mon', 'fri']}}, 'every week on Monday, Friday and Sunday, at 12:00'],
+    [
+      {...daily(noon), repeat: {unit: 'week', every: 1, on: ['sun', 'mon', 'fri']}},
+      'every week on Monday, Friday and Sunday, at 12:00',
+    ],
     [{...daily(noon), repeat: {unit: 'month', every: 1}}, 'every month on the 1st, at 12:00'],
-    [{...daily(noon), start: '2026-11-22', repeat: {unit: 'month', every: 1}}, 'every month on the 22nd, at 12:00, from 22 Nov 2026'],
-    [{...daily(noon), repeat: {unit: 'year', every: 1, nth: {week: 'last', weekday: 'sun'}}}, 'every year on the last Sunday in November, at 12:00'],
+    [
+      {...daily(noon), start: '2026-11-22', repeat: {unit: 'month', every: 1}},
+      'every month on the 22nd, at 12:00, from 22 Nov 2026',
+    ],
+    [
+      {...daily(noon), repeat: {unit: 'year', every: 1, nth: {week: 'last', weekday: 'sun'}}},
+      'every year on the last Sunday in November, at 12:00',
+    ],
   ];
-  for (const [event, said] of rows) assert.equal(sentence(event, today).replace('Nov 22, 2026', '22 Nov 2026').replace(', and', ' and'), said);
+  for (const [event, said] of rows)
+    assert.equal(
+      sentence(event, today).replace('Nov 22, 2026', '22 Nov 2026').replace(', and', ' and'),
+      said,
+    );
 });
 
 test('in German too', () => {
   choose('language', 'de');
-  const event = {...daily({base: 'sunset', minutes: -30, spread: 10}),
-    repeat: {unit: 'week', every: 2, on: ['mon', 'fri'], until: '2027-03-31'}};
-  assert.equal(sentence(event, today), 'alle 2 Wochen am Montag und Freitag, 30 Minuten vor Sonnenuntergang, ' +
-    'plus/minus 10 Minuten, ab 1. Nov. 2026, bis 31. März 2027');
+  const event = {
+    ...daily({base: 'sunset', minutes: -30, spread: 10}),
+    repeat: {unit: 'week', every: 2, on: ['mon', 'fri'], until: '2027-03-31'},
+  };
+  assert.equal(
+    sentence(event, today),
+    'alle 2 Wochen am Montag und Freitag, 30 Minuten vor Sonnenuntergang, ' +
+      'plus/minus 10 Minuten, ab 1. Nov. 2026, bis 31. März 2027',
+  );
   choose('language', 'en');
 });
 
 test('midnight and noon on both clocks', () => {
   choose('clock', '12');
-  assert.deepEqual([0, 1, 719, 720, 1439].map(timeText).map((text) => text.replace(/\s/, ' ')),
-    ['12:00 AM', '12:01 AM', '11:59 AM', '12:00 PM', '11:59 PM']);
+  assert.deepEqual(
+    [0, 1, 719, 720, 1439].map(timeText).map((text) => text.replace(/\s/, ' ')),
+    ['12:00 AM', '12:01 AM', '11:59 AM', '12:00 PM', '11:59 PM'],
+  );
   choose('clock', '24');
   assert.deepEqual([0, 720, 1439].map(timeText), ['00:00', '12:00', '23:59']);
 });
 
 test('what a form shows of an event says the same event again', () => {
-  const rules = [null, {unit: 'day', every: 2}, {unit: 'week', every: 2, on: ['mon', 'fri'], until: '2027-03-31'},
-    {unit: 'month', every: 1}, {unit: 'month', every: 3, nth: {week: 'last', weekday: 'sun'}}, {unit: 'year', every: 1, nth: {week: 2, weekday: 'tue'}}];
-  const times = [{base: 'clock', minutes: 0, spread: 0}, {base: 'clock', minutes: 1439, spread: 720}, {base: 'clock', minutes: -1, spread: 0},
-    {base: 'clock', minutes: -1440, spread: 0}, {base: 'clock', minutes: 1440, spread: 0}, {base: 'clock', minutes: 2879, spread: 0},
-    {base: 'sunset', minutes: -30, spread: 10}, {base: 'sunrise', minutes: 0, spread: 0}, {base: 'sunrise', minutes: 1440, spread: 0}];
+  const rules = [
+    null,
+    {unit: 'day', every: 2},
+    {unit: 'week', every: 2, on: ['mon', 'fri'], until: '2027-03-31'},
+    {unit: 'month', every: 1},
+    {unit: 'month', every: 3, nth: {week: 'last', weekday: 'sun'}},
+    {unit: 'year', every: 1, nth: {week: 2, weekday: 'tue'}},
+  ];
+  const times = [
+    {base: 'clock', minutes: 0, spread: 0},
+    {base: 'clock', minutes: 1439, spread: 720},
+    {base: 'clock', minutes: -1, spread: 0},
+    {base: 'clock', minutes: -1440, spread: 0},
+    {base: 'clock', minutes: 1440, spread: 0},
+    {base: 'clock', minutes: 2879, spread: 0},
+    {base: 'sunset', minutes: -30, spread: 10},
+    {base: 'sunrise', minutes: 0, spread: 0},
+    {base: 'sunrise', minutes: 1440, spread: 0},
+  ];
   for (const clock of ['12', '24']) {
     choose('clock', clock);
     for (const repeat of rules) {
@@ -98,9 +150,24 @@ test('what a form shows of an event says the same event again', () => {
 });
 
 test('what cannot be read is said at its field', () => {
-  const draft = {...draftOf(daily({base: 'clock', minutes: 600, spread: 0})), description: ' ', at: 'evening', spread: 'x', every: '', start: ''};
-  assert.deepEqual(read(draft).errors.map(({pointer}) => pointer).sort(),
-    ['/description', '/repeat/every', '/start', '/time/at', '/time/spread']);
-  const weekly = {...draftOf(daily({base: 'clock', minutes: 600, spread: 0})), unit: 'week', on: new Set()};
+  const draft = {
+    ...draftOf(daily({base: 'clock', minutes: 600, spread: 0})),
+    description: ' ',
+    at: 'evening',
+    spread: 'x',
+    every: '',
+    start: '',
+  };
+  assert.deepEqual(
+    read(draft)
+      .errors.map(({pointer}) => pointer)
+      .sort(),
+    ['/description', '/repeat/every', '/start', '/time/at', '/time/spread'],
+  );
+  const weekly = {
+    ...draftOf(daily({base: 'clock', minutes: 600, spread: 0})),
+    unit: 'week',
+    on: new Set(),
+  };
   assert.deepEqual(read(weekly).errors, [{pointer: '/repeat/on', detail: t('form.noDays')}]);
 });

@@ -15,39 +15,74 @@ export async function askMove(occurrence, target) {
   const event = house.events.get(occurrence.event);
   if (!event || event.odd) return;
   // Nothing to ask: it comes once, and by the clock.
-  if (target && !event.repeat && (event.time.base === 'clock' || occurrence.minutes === target.minutes)) {
+  if (
+    target &&
+    !event.repeat &&
+    (event.time.base === 'clock' || occurrence.minutes === target.minutes)
+  ) {
     return apply(event, afterMove(event, occurrence, target, 'start'));
   }
-  const after = await dialog(t('move.title', event), (close) => form(event, occurrence, target, close));
+  const after = await dialog(t('move.title', event), (close) =>
+    form(event, occurrence, target, close),
+  );
   if (after) await apply(event, after);
 }
 
 /** Where it happens and the day by which its rule counts may be a day apart; they stay so. */
 function afterMove(event, occurrence, target, how, byClock) {
   const apart = daysBetween(occurrence.day, occurrence.date);
-  return moved(event, occurrence, {date: addDays(target.date, apart), minutes: target.minutes}, how, byClock);
+  return moved(
+    event,
+    occurrence,
+    {date: addDays(target.date, apart), minutes: target.minutes},
+    how,
+    byClock,
+  );
 }
 
 async function apply(event, after) {
-  await replaceEvent(event, after, t('move.done', {
-    description: event.description, sentence: sentence(after, house.date())}));
+  await replaceEvent(
+    event,
+    after,
+    t('move.done', {
+      description: event.description,
+      sentence: sentence(after, house.date()),
+    }),
+  );
 }
 
 function form(event, from, target, close) {
   const date = h('input', {type: 'date', value: target?.date ?? from.day, required: true});
-  const time = h('input', {value: timeText((target ?? from).minutes), size: 9, required: true,
-    autocomplete: 'off'});
-  const how = radios('how', [['every', t('move.every')], ['start', t('move.start')]]);
+  const time = h('input', {
+    value: timeText((target ?? from).minutes),
+    size: 9,
+    required: true,
+    autocomplete: 'off',
+  });
+  const how = radios('how', [
+    ['every', t('move.every')],
+    ['start', t('move.start')],
+  ]);
   const follows = event.time.base !== 'clock';
-  const by = follows && radios('by', [['sun', t(`move.by.${event.time.base}`)], ['clock', t('move.byClock')]]);
+  const by =
+    follows &&
+    radios('by', [
+      ['sun', t(`move.by.${event.time.base}`)],
+      ['clock', t('move.byClock')],
+    ]);
   const result = h('div', {class: 'preview', 'aria-live': 'polite'});
   const save = h('button', {class: 'primary', 'data-key': 'save'}, t('move.do'));
 
   const chosen = () => {
     const minutes = readClock(time.value);
     if (!isDay(date.value) || minutes === null) return null;
-    return afterMove(event, from, {date: date.value, minutes}, event.repeat ? how.value() : 'start',
-      follows && by.value() === 'clock');
+    return afterMove(
+      event,
+      from,
+      {date: date.value, minutes},
+      event.repeat ? how.value() : 'start',
+      follows && by.value() === 'clock',
+    );
   };
   let asked = null;
   const preview = async () => {
@@ -59,36 +94,65 @@ function form(event, from, target, close) {
     try {
       const body = {...after, time: timeToSend(after.time), id: event.id};
       const answer = await api.post('/preview', body, {signal: asked.signal});
-      replace(result, h('p', {class: 'lead'}, sentence(answer.event, house.date())),
-        h('p', null, t('move.then', {days: answer.occurrences.slice(0, 4)
-          .map((one) => shortDate(one.date)).join(' · ')})));
+      replace(
+        result,
+        h('p', {class: 'lead'}, sentence(answer.event, house.date())),
+        h(
+          'p',
+          null,
+          t('move.then', {
+            days: answer.occurrences
+              .slice(0, 4)
+              .map((one) => shortDate(one.date))
+              .join(' · '),
+          }),
+        ),
+      );
     } catch (error) {
       if (error.name === 'AbortError') return;
       save.disabled = true;
       replace(result, h('p', {class: 'error'}, error.message));
     }
   };
-  const element = h('form', {onsubmit: (submit) => {
-    submit.preventDefault();
-    const after = chosen();
-    if (after) close(after);
-  }, oninput: preview},
-  h('p', null, t('move.from', {date: longDate(from.day), time: timeText(from.minutes)})),
-  h('div', {class: 'row'}, h('label', null, t('move.to'), ' ', date), h('label', null, t('move.at'), ' ', time)),
-  event.repeat && how.group(t('move.what')),
-  follows && by.group(t('move.time')),
-  result,
-  h('footer', null, h('button', {type: 'button', onclick: () => close()}, t('cancel')), save));
+  const element = h(
+    'form',
+    {
+      onsubmit: (submit) => {
+        submit.preventDefault();
+        const after = chosen();
+        if (after) close(after);
+      },
+      oninput: preview,
+    },
+    h('p', null, t('move.from', {date: longDate(from.day), time: timeText(from.minutes)})),
+    h(
+      'div',
+      {class: 'row'},
+      h('label', null, t('move.to'), ' ', date),
+      h('label', null, t('move.at'), ' ', time),
+    ),
+    event.repeat && how.group(t('move.what')),
+    follows && by.group(t('move.time')),
+    result,
+    h('footer', null, h('button', {type: 'button', onclick: () => close()}, t('cancel')), save),
+  );
   preview().catch(failed);
   return element;
 }
 
 function radios(stem, options) {
   const name = freshId(stem);
-  const inputs = options.map(([value], index) => h('input', {type: 'radio', name, value, checked: index === 0}));
+  const inputs = options.map(([value], index) =>
+    h('input', {type: 'radio', name, value, checked: index === 0}),
+  );
   return {
     value: () => inputs.find((input) => input.checked).value,
-    group: (legend) => h('fieldset', null, h('legend', null, legend),
-      options.map(([, label], index) => h('label', {class: 'radio'}, inputs[index], ' ', label))),
+    group: (legend) =>
+      h(
+        'fieldset',
+        null,
+        h('legend', null, legend),
+        options.map(([, label], index) => h('label', {class: 'radio'}, inputs[index], ' ', label)),
+      ),
   };
 }

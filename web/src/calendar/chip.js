@@ -22,17 +22,22 @@ export function chip(occurrence, open) {
   const state = stateOf(occurrence);
   const past = day < house.date() ? ' past' : '';
   const odd = house.events.get(event)?.odd;
-  const element = h('button', {
-    type: 'button', class: `chip ${baseIcon(base)}${state ? ` ${state}` : ''}${past}`,
-    'data-key': `${day}-${event}`, title: `${timeText(minutes)} ${description}`,
-    'data-drag': odd ? null : '', onclick: () => open(occurrence),
-  },
-  icon(baseIcon(base)),
-  h('time', {datetime: `${day}T${clockText(minutes)}`},
-    timeText(minutes)),
-  h('span', {class: 'name'}, description),
-  base !== 'clock' && h('span', {class: 'unseen'}, t(`chip.${base}`)),
-  state && h('span', {class: 'unseen'}, t(`state.${state}`)));
+  const element = h(
+    'button',
+    {
+      type: 'button',
+      class: `chip ${baseIcon(base)}${state ? ` ${state}` : ''}${past}`,
+      'data-key': `${day}-${event}`,
+      title: `${timeText(minutes)} ${description}`,
+      'data-drag': odd ? null : '',
+      onclick: () => open(occurrence),
+    },
+    icon(baseIcon(base)),
+    h('time', {datetime: `${day}T${clockText(minutes)}`}, timeText(minutes)),
+    h('span', {class: 'name'}, description),
+    base !== 'clock' && h('span', {class: 'unseen'}, t(`chip.${base}`)),
+    state && h('span', {class: 'unseen'}, t(`state.${state}`)),
+  );
   element.occurrence = occurrence;
   return element;
 }

@@ -18,8 +18,13 @@ export function dragging(stage, dropped) {
   let held = null; // {chip, x, y, timer, ghost, target}
 
   const start = () => {
-    const ghost = h('div', {class: 'ghost'}, held.chip.querySelector('.name').textContent, ' ',
-      h('strong'));
+    const ghost = h(
+      'div',
+      {class: 'ghost'},
+      held.chip.querySelector('.name').textContent,
+      ' ',
+      h('strong'),
+    );
     document.body.append(ghost);
     held.ghost = ghost;
     held.chip.classList.add('dragged');
@@ -43,9 +48,10 @@ export function dragging(stage, dropped) {
     if (!place || !stage.contains(place)) return null;
     const {minutes} = held.chip.occurrence;
     const moved = y - held.y + scrolled() - held.scrolled;
-    const steps = Math.round(moved / HOUR_PX * 60 / STEP_MINUTES);
+    const steps = Math.round(((moved / HOUR_PX) * 60) / STEP_MINUTES);
     // To another day only: the minute stays as it was.
-    if (place.dataset.hours === undefined || steps === 0) return {place, date: place.dataset.day, minutes};
+    if (place.dataset.hours === undefined || steps === 0)
+      return {place, date: place.dataset.day, minutes};
     const at = (Math.round(minutes / STEP_MINUTES) + steps) * STEP_MINUTES;
     return {place, date: place.dataset.day, minutes: Math.max(0, Math.min(1435, at))};
   };
@@ -65,14 +71,21 @@ export function dragging(stage, dropped) {
     held.target?.place.classList.add('droptarget');
     Object.assign(held.ghost.style, {transform: `translate(${x + 12}px, ${y + 12}px)`});
     held.ghost.querySelector('strong').textContent = held.target
-      ? `${shortDate(held.target.date)} ${timeText(held.target.minutes)}` : '';
+      ? `${shortDate(held.target.date)} ${timeText(held.target.minutes)}`
+      : '';
   };
 
   const listeners = {
     pointerdown: (event) => {
       const chip = event.target.closest?.('[data-drag]');
       if (!chip || event.button !== 0 || held) return;
-      held = {chip, x: event.clientX, y: event.clientY, scrolled: scrolled(), touch: event.pointerType === 'touch'};
+      held = {
+        chip,
+        x: event.clientX,
+        y: event.clientY,
+        scrolled: scrolled(),
+        touch: event.pointerType === 'touch',
+      };
       if (held.touch) held.timer = setTimeout(start, PRESS_MS);
     },
     pointermove: (event) => {
@@ -90,10 +103,14 @@ export function dragging(stage, dropped) {
       const {chip, target} = held;
       stop();
       // The click that follows is the end of the drag.
-      addEventListener('click', (click) => {
-        click.stopPropagation();
-        click.preventDefault();
-      }, {capture: true, once: true, signal: AbortSignal.timeout(50)});
+      addEventListener(
+        'click',
+        (click) => {
+          click.stopPropagation();
+          click.preventDefault();
+        },
+        {capture: true, once: true, signal: AbortSignal.timeout(50)},
+      );
       const {day, minutes} = chip.occurrence;
       if (target && (target.date !== day || target.minutes !== minutes)) {
         dropped(chip.occurrence, {date: target.date, minutes: target.minutes});
@@ -116,7 +133,8 @@ export function dragging(stage, dropped) {
     active: () => Boolean(held?.ghost),
     end: () => {
       stop();
-      for (const [name, listener] of Object.entries(listeners)) window.removeEventListener(name, listener);
+      for (const [name, listener] of Object.entries(listeners))
+        window.removeEventListener(name, listener);
     },
   };
 }

@@ -13,33 +13,65 @@ const LANES = {week: 2, day: 6, narrow: 2};
 /** Below midnight, for what is pushed there. */
 const FOOT_MINUTES = 84;
 
-const top = (minutes) => `${(minutes * HOUR_PX / 60).toFixed(1)}px`;
+const top = (minutes) => `${((minutes * HOUR_PX) / 60).toFixed(1)}px`;
 
 export function hours(context) {
   const {from, to, narrow} = context;
   const list = [];
   for (let day = from; day <= to; day = addDays(day, 1)) list.push(day);
   const single = list.length === 1;
-  const lanes = single ? (narrow ? LANES.narrow : LANES.day) : (narrow ? 1 : LANES.week);
+  const lanes = single ? (narrow ? LANES.narrow : LANES.day) : narrow ? 1 : LANES.week;
   const earliest = Math.min(...[...context.days.values()].flat().map(({minutes}) => minutes), 480);
-  const begin = list.includes(house.date()) ? Math.min(house.wallNow().minutes - 120, 960) : earliest - 30;
-  return h('div', {class: `hours ${single ? 'single' : 'seven'}`},
-    h('div', {class: 'heads'}, h('span', {class: 'corner'}), list.map((day) => head(day, context))),
-    h('div', {class: 'scroll', tabindex: '0', role: 'region', 'aria-label': t('calendar.hours'),
-      'data-scroll': String(begin * HOUR_PX / 60)},
-    h('div', {class: 'columns', style: {height: top(1440 + FOOT_MINUTES)}},
-      h('div', {class: 'ruler', 'aria-hidden': 'true'}, hourMarks()),
-      list.map((day) => column(day, lanes, context)))));
+  const begin = list.includes(house.date())
+    ? Math.min(house.wallNow().minutes - 120, 960)
+    : earliest - 30;
+  return h(
+    'div',
+    {class: `hours ${single ? 'single' : 'seven'}`},
+    h(
+      'div',
+      {class: 'heads'},
+      h('span', {class: 'corner'}),
+      list.map((day) => head(day, context)),
+    ),
+    h(
+      'div',
+      {
+        class: 'scroll',
+        tabindex: '0',
+        role: 'region',
+        'aria-label': t('calendar.hours'),
+        'data-scroll': String((begin * HOUR_PX) / 60),
+      },
+      h(
+        'div',
+        {class: 'columns', style: {height: top(1440 + FOOT_MINUTES)}},
+        h('div', {class: 'ruler', 'aria-hidden': 'true'}, hourMarks()),
+        list.map((day) => column(day, lanes, context)),
+      ),
+    ),
+  );
 }
 
 function head(day, {suns, go}) {
   const isToday = day === house.date();
-  return h('div', {class: isToday ? 'head today' : 'head'},
-    h('button', {type: 'button', class: 'daynumber', 'data-key': `day-${day}`,
-      'aria-current': isToday ? 'date' : null, onclick: () => go('day', day)},
-    h('span', {'aria-hidden': 'true'}, weekdayNameOf(day, 'short'), ' ', String(dayOfMonth(day))),
-    h('span', {class: 'unseen'}, longDate(day))),
-    clockChangeMark(day, suns));
+  return h(
+    'div',
+    {class: isToday ? 'head today' : 'head'},
+    h(
+      'button',
+      {
+        type: 'button',
+        class: 'daynumber',
+        'data-key': `day-${day}`,
+        'aria-current': isToday ? 'date' : null,
+        onclick: () => go('day', day),
+      },
+      h('span', {'aria-hidden': 'true'}, weekdayNameOf(day, 'short'), ' ', String(dayOfMonth(day))),
+      h('span', {class: 'unseen'}, longDate(day)),
+    ),
+    clockChangeMark(day, suns),
+  );
 }
 
 function hourMarks() {
@@ -52,39 +84,74 @@ function hourMarks() {
 
 function column(day, lanes, {days, suns, open}) {
   const blocks = arranged(days.get(day) ?? [], lanes);
-  const element = h('section', {class: 'column', 'data-day': day, 'data-hours': '',
-    'aria-label': longDate(day)},
-  daylight(suns.get(day)),
-  day === house.date() && h('div', {class: 'nowline', 'aria-hidden': 'true',
-    style: {top: top(house.wallNow().minutes)}}),
-  blocks.map((block) => placed(block, open, day)));
+  const element = h(
+    'section',
+    {class: 'column', 'data-day': day, 'data-hours': '', 'aria-label': longDate(day)},
+    daylight(suns.get(day)),
+    day === house.date() &&
+      h('div', {
+        class: 'nowline',
+        'aria-hidden': 'true',
+        style: {top: top(house.wallNow().minutes)},
+      }),
+    blocks.map((block) => placed(block, open, day)),
+  );
   return element;
 }
 
 /** The light of the day as a lighter field, with its sun at both ends. */
 function daylight(sun) {
   if (!sun) return null;
-  if (sun.polar) return h('div', {class: sun.polar === 'day' ? 'light' : 'none', 'aria-hidden': 'true', style: {top: 0, height: '100%'}});
+  if (sun.polar)
+    return h('div', {
+      class: sun.polar === 'day' ? 'light' : 'none',
+      'aria-hidden': 'true',
+      style: {top: 0, height: '100%'},
+    });
   const rise = wall(sun.sunrise).minutes;
   const set = wall(sun.sunset).minutes;
   return [
-    rise < set && h('div', {class: 'light', 'aria-hidden': 'true', style: {top: top(rise), height: top(set - rise)}}),
-    h('div', {class: 'sunline sunrise', 'aria-hidden': 'true', style: {top: top(rise)}}, icon('sunrise')),
-    h('div', {class: 'sunline sunset', 'aria-hidden': 'true', style: {top: top(set)}}, icon('sunset')),
+    rise < set &&
+      h('div', {
+        class: 'light',
+        'aria-hidden': 'true',
+        style: {top: top(rise), height: top(set - rise)},
+      }),
+    h(
+      'div',
+      {class: 'sunline sunrise', 'aria-hidden': 'true', style: {top: top(rise)}},
+      icon('sunrise'),
+    ),
+    h(
+      'div',
+      {class: 'sunline sunset', 'aria-hidden': 'true', style: {top: top(set)}},
+      icon('sunset'),
+    ),
   ];
 }
 
 function placed({occurrence, minutes, lane, of, more}, open, day) {
-  const style = {top: top(minutes),
-    left: `calc(${lane} / ${of} * 100%)`, width: `calc(100% / ${of} - 2px)`};
+  const style = {
+    top: top(minutes),
+    left: `calc(${lane} / ${of} * 100%)`,
+    width: `calc(100% / ${of} - 2px)`,
+  };
   if (!more) {
     const element = chip(occurrence, open);
     Object.assign(element.style, style);
     return element;
   }
-  return h('a', {class: 'chip more', style, href: `#/calendar?view=agenda&date=${day}`,
-    'data-key': `more-${day}-${minutes}`}, t('calendar.more', {n: more}),
-  h('span', {class: 'unseen'}, ` ${longDate(day)} ${timeText(minutes)}`));
+  return h(
+    'a',
+    {
+      class: 'chip more',
+      style,
+      href: `#/calendar?view=agenda&date=${day}`,
+      'data-key': `more-${day}-${minutes}`,
+    },
+    t('calendar.more', {n: more}),
+    h('span', {class: 'unseen'}, ` ${longDate(day)} ${timeText(minutes)}`),
+  );
 }
 
 /**
@@ -122,7 +189,11 @@ function packed(occurrences, begin, of, used) {
   const rest = [];
   let index = begin;
   let until = Infinity;
-  for (; index < occurrences.length && (index === begin || occurrences[index].minutes < until); ++index) {
+  for (
+    ;
+    index < occurrences.length && (index === begin || occurrences[index].minutes < until);
+    ++index
+  ) {
     const occurrence = occurrences[index];
     const lane = ends.indexOf(Math.min(...ends));
     const minutes = Math.max(occurrence.minutes, ends[lane] ?? 0);
@@ -145,7 +216,11 @@ function counted(rest, of) {
     const first = index;
     while (index < rest.length && rest[index].minutes < minutes + CHIP_MINUTES) ++index;
     const more = index - first;
-    blocks.push(more === 1 ? {occurrence: rest[first], minutes, lane: of - 1, of} : {minutes, lane: of - 1, of, more});
+    blocks.push(
+      more === 1
+        ? {occurrence: rest[first], minutes, lane: of - 1, of}
+        : {minutes, lane: of - 1, of, more},
+    );
   }
   return blocks;
 }

@@ -6,7 +6,16 @@ import {askMove} from '../calendar/askmove.js';
 import {dragging} from '../calendar/drag.js';
 import {hours} from '../calendar/hours.js';
 import {month} from '../calendar/month.js';
-import {addDays, addMonths, FIRST_DAY, firstOfMonth, isDay, LAST_DAY, startOfWeek, wall} from '../dates.js';
+import {
+  addDays,
+  addMonths,
+  FIRST_DAY,
+  firstOfMonth,
+  isDay,
+  LAST_DAY,
+  startOfWeek,
+  wall,
+} from '../dates.js';
 import {button, h, icon, iconButton, replace} from '../dom.js';
 import {house} from '../house.js';
 import {firstWeekday, longDate, monthText, rangeText, t} from '../locale.js';
@@ -29,8 +38,10 @@ function rangeOf(kind, day) {
       const from = startOfWeek(day, firstWeekday());
       return [from, addDays(from, 6)];
     }
-    case 'agenda': return [day, addDays(day, AGENDA_DAYS - 1)];
-    default: return [day, day];
+    case 'agenda':
+      return [day, addDays(day, AGENDA_DAYS - 1)];
+    default:
+      return [day, day];
   }
 }
 
@@ -38,10 +49,14 @@ const within = (day) => (day < FIRST_DAY ? FIRST_DAY : day > LAST_DAY ? LAST_DAY
 
 function stepped(kind, day, by) {
   switch (kind) {
-    case 'month': return addMonths(firstOfMonth(day), by);
-    case 'week': return addDays(day, 7 * by);
-    case 'agenda': return addDays(day, AGENDA_DAYS * by);
-    default: return addDays(day, by);
+    case 'month':
+      return addMonths(firstOfMonth(day), by);
+    case 'week':
+      return addDays(day, 7 * by);
+    case 'agenda':
+      return addDays(day, AGENDA_DAYS * by);
+    default:
+      return addDays(day, by);
   }
 }
 
@@ -57,8 +72,10 @@ const isNarrow = () => matchMedia('(max-width: 640px)').matches;
 
 export function calendar(root, {params}) {
   const kept = sessionStorage.getItem(KEPT);
-  let kind = KINDS.find((one) => one === params.get('view')) ??
-    KINDS.find((one) => one === kept) ?? (isNarrow() ? 'agenda' : 'month');
+  let kind =
+    KINDS.find((one) => one === params.get('view')) ??
+    KINDS.find((one) => one === kept) ??
+    (isNarrow() ? 'agenda' : 'month');
   let day = isDay(params.get('date')) ? within(params.get('date')) : house.date();
   let asked = null;
 
@@ -73,32 +90,67 @@ export function calendar(root, {params}) {
     show();
   };
   root.append(
-    h('div', {class: 'bar'}, title,
-      h('div', {class: 'row'},
+    h(
+      'div',
+      {class: 'bar'},
+      title,
+      h(
+        'div',
+        {class: 'row'},
         iconButton(t('calendar.previous'), 'previous', () => go(kind, stepped(kind, day, -1))),
         button(t('calendar.today'), () => go(kind, house.date())),
-        iconButton(t('calendar.next'), 'next', () => go(kind, stepped(kind, day, 1)))),
+        iconButton(t('calendar.next'), 'next', () => go(kind, stepped(kind, day, 1))),
+      ),
       tabs,
-      h('a', {class: 'button primary', href: '#/events/new'}, icon('plus'), t('new'))),
-    stage);
+      h('a', {class: 'button primary', href: '#/events/new'}, icon('plus'), t('new')),
+    ),
+    stage,
+  );
 
   const drag = dragging(stage, (occurrence, target) => askMove(occurrence, target));
-  const open = (occurrence) => showEvent(occurrence.event, {
-    occurrence, move: () => askMove(occurrence, null)});
+  const open = (occurrence) =>
+    showEvent(occurrence.event, {
+      occurrence,
+      move: () => askMove(occurrence, null),
+    });
 
   async function show() {
     title.textContent = titleOf(kind, day);
-    replace(tabs, KINDS.map((one) => h('button', {type: 'button', 'data-key': `view-${one}`,
-      'aria-pressed': String(one === kind), onclick: () => go(one, day)}, t(`calendar.${one}`))));
+    replace(
+      tabs,
+      KINDS.map((one) =>
+        h(
+          'button',
+          {
+            type: 'button',
+            'data-key': `view-${one}`,
+            'aria-pressed': String(one === kind),
+            onclick: () => go(one, day),
+          },
+          t(`calendar.${one}`),
+        ),
+      ),
+    );
     const [from, to] = rangeOf(kind, day).map(within);
     asked?.abort();
     asked = new AbortController();
     const {signal} = asked;
     try {
       const [list, suns] = await Promise.all([
-        api.occurrences(from, to, {signal}), house.sunOfDays(from, to)]);
+        api.occurrences(from, to, {signal}),
+        house.sunOfDays(from, to),
+      ]);
       if (signal.aborted) return;
-      const context = {from, to, day, suns, days: byDay(from, to, list), open, go, narrow: isNarrow()};
+      const context = {
+        from,
+        to,
+        day,
+        suns,
+        days: byDay(from, to, list),
+        open,
+        go,
+        narrow: isNarrow(),
+      };
       const scroll = stage.querySelector('.scroll')?.scrollTop;
       replace(stage, {month, week: hours, day: hours, agenda}[kind](context));
       afterDrawing(scroll);

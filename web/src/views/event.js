@@ -2,165 +2,174 @@
 
 import * as api from '../api.js';
 import * as deeds from '../deeds.js';
-import {button, h, icon, replace} from '../dom.js';
+import {button, h, replace} from '../dom.js';
 import {draftOf, newDraft} from '../draft.js';
 import {house} from '../house.js';
 import {t} from '../locale.js';
-import {confirmed, failed, notice} from '../notices.js';
+import {failed, notice} from '../notices.js';
 import {sentence} from '../sentence.js';
-import {deedsOf, duplicateAndOpen, holdsText, momentText} from '../sheet.js';
-import {eventForm} from './eventform.js';
+import {deedsOf, duplicateAndOpen} from '../sheet.js';
+import {EventForm} from './eventform.js';
+import {askLeave, eventHead, sendOverOthers, tellOfClash} from './eventhead.js';
 
 export function newEvent(root, {params}) {
   let dirty = false;
-  const form = eventForm(newDraft(house.wallNow(), params), {
+  const onSave = async (event) => {
+    const added = await api.post('/events', event);
+    dirty = false;
+    house.events.set(added.id, added);
+    notice(t('form.added', added), {undo: () => takeBack(added.id)});
+    location.hash = `#/events/${added.id}`;
+  };
+  const form = new EventForm(newDraft(house.wallNow(), params), {
     saveLabel: t('form.add'),
-    onChange: () => { dirty = true; },
-    onSave: async (event) => {
-      const added = await api.post('/events', event);
-      dirty = false;
-      house.events.set(added.id, added);
-      notice(t('form.added', added), {undo: async () => {
-        await api.remove(`/events/${added.id}`);
-        if (location.hash.startsWith(`#/events/${added.id}`)) location.hash = '#/events';
-      }});
-      location.hash = `#/events/${added.id}`;
-    },
+    onChange: () => (dirty = true),
+    onSave,
+    onTrouble: failed,
   });
-  form.element.addEventListener('failed', ({detail}) => failed(detail));
   root.append(h('h1', {tabindex: '-1'}, t('new')), form.element);
   form.focus();
-  return {title: t('new'), on: {}, end: form.end, dirty: () => dirty, leaves: () => !dirty || askLeave(), focused: true};
+  return {
+    title: t('new'),
+    on: {},
+    end: () => form.end(),
+    dirty: () => dirty,
+    leaves: () => !dirty || askLeave(),
+    focused: true,
+  };
 }
 
-export const askLeave = () => confirmed(t('leave.title'), t('leave.text'), t('leave.yes'));
-
-/** The head that an event's pages have in common, with the way between them. */
-export function eventHead(id, page) {
-  const head = h('div', {class: 'eventhead'});
-  const draw = () => {
-    const event = house.events.get(id);
-    if (!event) return replace(head, h('h1', {tabindex: '-1'}, t('event.gone')));
-    const holds = holdsText(event);
-    const tab = (name, path, label) => h('a', {href: `#/events/${id}${path}`, 'data-key': `tab-${name}`,
-      'aria-current': page === name ? 'page' : null}, label);
-    replace(head,
-      h('h1', {tabindex: '-1'}, event.description),
-      h('p', {class: 'muted'}, event.next ? t('sheet.next', {when: momentText(event.next)}) : t('sheet.never')),
-      holds && h('p', {class: 'held'}, icon('held'), ' ', holds),
-      h('nav', {class: 'segments', 'aria-label': t('event.pages')},
-        tab('when', '', t('form.when')), tab('programming', '/programming', t('nav.programming')),
-        h('a', {href: `#/journal?event=${id}`}, t('nav.journal'))));
-  };
-  draw();
-  return {element: head, draw};
+async function takeBack(id) {
+  await api.remove(`/events/${id}`);
+  if (location.hash.startsWith(`#/events/${id}`)) location.hash = '#/events';
 }
 
 export function event(root, {id}) {
-  const head = eventHead(id, 'when');
-  const bar = h('div', {class: 'row deeds'});
-  const body = h('div');
-  root.append(head.element, bar, body);
-  let form = null;
-  let tag = null;
-  let dirty = false;
-  let saving = false;
-
-  const drawBar = () => {
-    const shown = house.events.get(id);
-    if (!shown) return replace(bar);
-    replace(bar,
-      deedsOf(shown).map(([label, drawing, deed]) => button(label, deed, {drawing, 'data-key': `deed-${drawing}-${label}`})),
-      button(t('press'), () => deeds.press(shown), {drawing: 'done', 'data-key': 'press'}),
-      button(t('duplicate'), () => duplicateAndOpen(shown), {drawing: 'plus', 'data-key': 'duplicate'}),
-      button(t('delete'), () => removeAndLeave(shown), {drawing: 'remove', kind: 'danger', 'data-key': 'delete'}));
-  };
-
-  async function removeAndLeave(shown) {
-    if (!await deeds.remove(shown)) return;
-    dirty = false;
-    location.hash = '#/events';
-  }
-
-  function draw(value) {
-    dirty = false;
-    form?.end();
-    if (value.odd) return replace(body, oddNote(value));
-    form = eventForm(draftOf(value), {id, saveLabel: t('save'), onChange: () => { dirty = true; }, onSave: (wanted) => save(wanted, value)});
-    form.element.addEventListener('failed', ({detail}) => failed(detail));
-    replace(body, value.programming?.actions === 0 && idleNote(), form.element);
-  }
-
-  async function read() {
-    try {
-      const {value, tag: version} = await api.getVersioned(`/events/${id}`);
-      tag = version;
-      draw(value);
-    } catch (error) {
-      if (error.status !== 404) return failed(error);
-      replace(body, h('p', null, t('event.goneText')), h('a', {class: 'button', href: '#/events'}, t('nav.events')));
-    }
-  }
-
-  const idleNote = () => h('p', {class: 'card hint'}, t('event.idle'), ' ',
-    h('a', {href: `#/events/${id}/programming`}, t('event.sayWhat')));
-
-  const oddNote = (value) => h('div', {class: 'card'}, h('p', null, sentence(value)), h('p', null, t('event.odd')));
-
-  async function save(wanted, before) {
-    saving = true;
-    dirty = false;
-    try {
-      const response = await put(wanted);
-      if (!response) {
-        dirty = true;
-        return;
-      }
-      tag = response.headers.get('ETag');
-      const saved = await response.json();
-      // Whoever typed on meanwhile keeps that.
-      if (!dirty) draw(saved);
-      const {description, start, time, repeat} = before;
-      notice(t('form.saved', wanted), {undo: async () => {
-        await api.put(`/events/${id}`, {description, start, time: deeds.timeToSend(time), repeat});
-        await read();
-      }});
-    } catch (error) {
-      dirty = true;
-      throw error;
-    } finally {
-      saving = false;
-    }
-  }
-
-  async function put(wanted) {
-    try {
-      return await api.send('PUT', `/events/${id}`, {body: wanted, match: tag});
-    } catch (error) {
-      if (error.status !== 412) throw error;
-      if (!await confirmed(t('clash.title'), t('clash.text'), t('clash.mine'))) return null;
-      return api.send('PUT', `/events/${id}`, {body: wanted});
-    }
-  }
-
-  function changed(detail) {
-    head.draw();
-    drawBar();
-    if (saving || detail?.id !== id || !['modified', 'added', 'deleted'].includes(detail?.change)) return;
-    if (!dirty) return read();
-    if (!body.querySelector('.clash')) {
-      body.prepend(h('div', {class: 'card hint clash', role: 'status'}, h('p', null, t('clash.seen')),
-        button(t('clash.theirs'), read, {kind: 'small'})));
-    }
-  }
-
-  drawBar();
-  read();
+  const page = new EventPage(id);
+  root.append(page.head.element, page.bar, page.body);
+  page.drawBar();
+  page.read();
   return {
     title: house.eventName(id) ?? t('event.gone'),
-    on: {events: changed, project: head.draw, replaced: () => !dirty && read()},
-    end: () => form?.end(),
-    dirty: () => dirty, leaves: () => !dirty || askLeave(),
+    on: {
+      events: (detail) => page.changed(detail),
+      project: () => page.head.draw(),
+      replaced: () => !page.dirty && page.read(),
+    },
+    end: () => page.form?.end(),
+    dirty: () => page.dirty,
+    leaves: () => !page.dirty || askLeave(),
   };
 }
 
+class EventPage {
+  bar = h('div', {class: 'row deeds'});
+  body = h('div');
+  form = null;
+  /** Something is typed that is not saved. */
+  dirty = false;
+  #id;
+  #tag = null;
+  #saving = false;
+
+  constructor(id) {
+    this.#id = id;
+    this.head = eventHead(id, 'when');
+  }
+
+  drawBar() {
+    const shown = house.events.get(this.#id);
+    if (!shown) return replace(this.bar);
+    const deed = (label, drawing, work, kind) =>
+      button(label, work, {drawing, kind, 'data-key': `deed-${drawing}-${label}`});
+    replace(
+      this.bar,
+      deedsOf(shown).map(([label, drawing, work]) => deed(label, drawing, work)),
+      deed(t('press'), 'done', () => deeds.press(shown)),
+      deed(t('duplicate'), 'plus', () => duplicateAndOpen(shown)),
+      deed(t('delete'), 'remove', () => this.#remove(shown), 'danger'),
+    );
+  }
+
+  async #remove(shown) {
+    if (!(await deeds.remove(shown))) return;
+    this.dirty = false;
+    location.hash = '#/events';
+  }
+
+  async read() {
+    try {
+      const {value, tag} = await api.getVersioned(`/events/${this.#id}`);
+      this.#tag = tag;
+      this.#draw(value);
+    } catch (error) {
+      if (error.status !== 404) return failed(error);
+      const back = h('a', {class: 'button', href: '#/events'}, t('nav.events'));
+      replace(this.body, h('p', null, t('event.goneText')), back);
+    }
+  }
+
+  #draw(value) {
+    this.dirty = false;
+    this.form?.end();
+    if (value.odd) return replace(this.body, oddNote(value));
+    this.form = new EventForm(draftOf(value), {
+      id: this.#id,
+      saveLabel: t('save'),
+      onChange: () => (this.dirty = true),
+      onSave: (wanted) => this.#save(wanted, value),
+      onTrouble: failed,
+    });
+    replace(this.body, value.programming?.actions === 0 && this.#idleNote(), this.form.element);
+  }
+
+  #idleNote() {
+    const href = `#/events/${this.#id}/programming`;
+    const link = h('a', {href}, t('event.sayWhat'));
+    return h('p', {class: 'card hint'}, t('event.idle'), ' ', link);
+  }
+
+  async #save(wanted, before) {
+    this.#saving = true;
+    this.dirty = false;
+    let saved = false;
+    try {
+      const path = `/events/${this.#id}`;
+      const response = await sendOverOthers(this.#tag, (match) =>
+        api.send('PUT', path, {body: wanted, match}),
+      );
+      saved = response !== null;
+      if (saved) await this.#saved(response, before);
+    } finally {
+      if (!saved) this.dirty = true;
+      this.#saving = false;
+    }
+  }
+
+  async #saved(response, before) {
+    this.#tag = response.headers.get('ETag');
+    const event = await response.json();
+    // Whoever typed on meanwhile keeps that.
+    if (!this.dirty) this.#draw(event);
+    const {description, start, time, repeat} = before;
+    const body = {description, start, time: deeds.timeToSend(time), repeat};
+    const undo = async () => {
+      await api.put(`/events/${this.#id}`, body);
+      await this.read();
+    };
+    notice(t('form.saved', event), {undo});
+  }
+
+  /** Somebody, perhaps this page, has changed something about events. */
+  changed(detail) {
+    this.head.draw();
+    this.drawBar();
+    if (this.#saving || detail?.id !== this.#id) return;
+    if (!['modified', 'added', 'deleted'].includes(detail.change)) return;
+    if (this.dirty) tellOfClash(this.body, () => this.read());
+    else this.read();
+  }
+}
+
+const oddNote = (value) =>
+  h('div', {class: 'card'}, h('p', null, sentence(value)), h('p', null, t('event.odd')));

@@ -1,7 +1,7 @@
 // Brings a schedule in: first what would become of it, then the import itself.
 
 import * as api from '../api.js';
-import {button, field, h, icon, replace} from '../dom.js';
+import {button, card, field, h, icon, replace} from '../dom.js';
 import {t} from '../locale.js';
 import {failed, notice} from '../notices.js';
 
@@ -9,11 +9,17 @@ const XML = {type: 'application/xml'};
 
 /** `done` is called after an import. */
 export function importCard(done) {
-  const file = h('input', {type: 'file', accept: '.xml,application/xml,text/xml', 'data-key': 'file'});
+  const file = h('input', {
+    type: 'file',
+    accept: '.xml,application/xml,text/xml',
+    'data-key': 'file',
+  });
   const review = h('div', {role: 'status'});
-  file.addEventListener('change', () => look().catch((error) => {
-    replace(review, h('p', {class: 'error'}, error.message));
-  }));
+  file.addEventListener('change', () =>
+    look().catch((error) => {
+      replace(review, h('p', {class: 'error'}, error.message));
+    }),
+  );
 
   async function look() {
     if (!file.files.length) return replace(review);
@@ -35,18 +41,29 @@ export function importCard(done) {
         failed(error);
       }
     };
-    replace(review,
+    replace(
+      review,
       h('p', {class: 'lead'}, t('import.counts', {kept, changed, dropped})),
       findings.length > 0 && h('ul', {class: 'warnings'}, findings.map(finding)),
       h('p', null, t('import.replaces')),
-      h('div', {class: 'row'}, button(t('cancel'), () => {
-        file.value = '';
-        replace(review);
-      }), button(dropped ? t('import.force', {n: dropped}) : t('import.do'), () => bring(dropped > 0), {kind: dropped ? 'danger' : 'primary', 'data-key': 'import'})));
+      h(
+        'div',
+        {class: 'row'},
+        button(t('cancel'), () => {
+          file.value = '';
+          replace(review);
+        }),
+        button(
+          dropped ? t('import.force', {n: dropped}) : t('import.do'),
+          () => bring(dropped > 0),
+          {kind: dropped ? 'danger' : 'primary', 'data-key': 'import'},
+        ),
+      ),
+    );
   }
 
-  return {element: h('section', {class: 'card'}, h('h2', null, t('import.title')), h('p', null, t('import.what')),
-    field(t('import.file'), file), review)};
+  const what = h('p', null, t('import.what'));
+  return {element: card(t('import.title'), what, field(t('import.file'), file), review)};
 }
 
 /** Something about the schedule itself, or what there is to say about one of its events. */

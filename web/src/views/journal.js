@@ -10,14 +10,30 @@ import {failed} from '../notices.js';
 const KINDS = ['fired', 'held', 'missed', 'action', 'change', 'clock', 'controller'];
 const PAGE = 100;
 const WAIT_MS = 200;
-const ICONS = {fired: 'done', held: 'held', missed: 'missed', action: 'run', change: 'events', clock: 'clock', controller: 'project'};
+const ICONS = {
+  fired: 'done',
+  held: 'held',
+  missed: 'missed',
+  action: 'run',
+  change: 'events',
+  clock: 'clock',
+  controller: 'project',
+};
 
 export function journal(root, {params}) {
   const wanted = {
     kind: params.getAll('kind').filter((kind) => KINDS.includes(kind)),
-    event: params.get('event') ?? '', from: params.get('from') ?? '', to: params.get('to') ?? '', q: params.get('q') ?? '',
+    event: params.get('event') ?? '',
+    from: params.get('from') ?? '',
+    to: params.get('to') ?? '',
+    q: params.get('q') ?? '',
   };
-  const filters = h('form', {class: 'filters', role: 'search', 'aria-label': t('journal.filters'), onsubmit: (event) => event.preventDefault()});
+  const filters = h('form', {
+    class: 'filters',
+    role: 'search',
+    'aria-label': t('journal.filters'),
+    onsubmit: (event) => event.preventDefault(),
+  });
   const count = h('p', {class: 'muted', role: 'status'});
   const list = h('ol', {class: 'journal'});
   const more = h('p');
@@ -27,30 +43,95 @@ export function journal(root, {params}) {
   let asked = null;
   let timer = null;
 
-  const eventList = () => [['', t('journal.allEvents')], ...[...house.events.values()]
-    .sort((a, b) => a.description.localeCompare(b.description)).map(({id, description}) => [id, description])];
+  const eventList = () => [
+    ['', t('journal.allEvents')],
+    ...[...house.events.values()]
+      .sort((a, b) => a.description.localeCompare(b.description))
+      .map(({id, description}) => [id, description]),
+  ];
 
   function drawFilters() {
     const options = eventList();
     // What is gone from the schedule is still in the journal.
-    if (wanted.event && !house.events.has(Number(wanted.event))) options.push([wanted.event, t('journal.event', {id: wanted.event})]);
-    const input = (name, type, label) => h('label', null, label, ' ', h('input', {type, value: wanted[name], 'data-key': name,
-      oninput: (event) => { wanted[name] = event.target.value; changed(); }}));
-    replace(filters,
-      h('fieldset', {class: 'line'}, h('legend', {class: 'unseen'}, t('journal.kinds')), KINDS.map((kind) => h('label', {class: 'pill'},
-        h('input', {type: 'checkbox', checked: wanted.kind.includes(kind), 'data-key': `kind-${kind}`, onchange: (event) => {
-          wanted.kind = KINDS.filter((one) => (one === kind ? event.target.checked : wanted.kind.includes(one)));
-          changed();
-        }}), h('span', null, t(`kind.${kind}`))))),
-      h('div', {class: 'line'},
-        h('label', null, t('journal.of'), ' ', h('select', {'data-key': 'event', onchange: (event) => { wanted.event = event.target.value; changed(); }},
-          options.map(([id, label]) => h('option', {value: id, selected: String(id) === wanted.event}, label)))),
-        input('from', 'date', t('journal.from')), input('to', 'date', t('journal.to')), input('q', 'search', t('journal.text')),
-        button(t('journal.clear'), () => {
-          Object.assign(wanted, {kind: [], event: '', from: '', to: '', q: ''});
-          drawFilters();
-          changed();
-        }, {kind: 'small', 'data-key': 'clear'})));
+    if (wanted.event && !house.events.has(Number(wanted.event)))
+      options.push([wanted.event, t('journal.event', {id: wanted.event})]);
+    const input = (name, type, label) =>
+      h(
+        'label',
+        null,
+        label,
+        ' ',
+        h('input', {
+          type,
+          value: wanted[name],
+          'data-key': name,
+          oninput: (event) => {
+            wanted[name] = event.target.value;
+            changed();
+          },
+        }),
+      );
+    replace(
+      filters,
+      h(
+        'fieldset',
+        {class: 'line'},
+        h('legend', {class: 'unseen'}, t('journal.kinds')),
+        KINDS.map((kind) =>
+          h(
+            'label',
+            {class: 'pill'},
+            h('input', {
+              type: 'checkbox',
+              checked: wanted.kind.includes(kind),
+              'data-key': `kind-${kind}`,
+              onchange: (event) => {
+                wanted.kind = KINDS.filter((one) =>
+                  one === kind ? event.target.checked : wanted.kind.includes(one),
+                );
+                changed();
+              },
+            }),
+            h('span', null, t(`kind.${kind}`)),
+          ),
+        ),
+      ),
+      h(
+        'div',
+        {class: 'line'},
+        h(
+          'label',
+          null,
+          t('journal.of'),
+          ' ',
+          h(
+            'select',
+            {
+              'data-key': 'event',
+              onchange: (event) => {
+                wanted.event = event.target.value;
+                changed();
+              },
+            },
+            options.map(([id, label]) =>
+              h('option', {value: id, selected: String(id) === wanted.event}, label),
+            ),
+          ),
+        ),
+        input('from', 'date', t('journal.from')),
+        input('to', 'date', t('journal.to')),
+        input('q', 'search', t('journal.text')),
+        button(
+          t('journal.clear'),
+          () => {
+            Object.assign(wanted, {kind: [], event: '', from: '', to: '', q: ''});
+            drawFilters();
+            changed();
+          },
+          {kind: 'small', 'data-key': 'clear'},
+        ),
+      ),
+    );
   }
 
   function changed() {
@@ -65,7 +146,9 @@ export function journal(root, {params}) {
     // `to` is a day and means the whole of it.
     const to = wanted.to && addDays(wanted.to, 1);
     try {
-      const answer = await api.get(`/journal${api.query({...wanted, to, before, limit: PAGE})}`, {signal: asked.signal});
+      const answer = await api.get(`/journal${api.query({...wanted, to, before, limit: PAGE})}`, {
+        signal: asked.signal,
+      });
       rows = before ? rows.concat(answer.rows) : answer.rows;
       next = answer.next;
       draw();
@@ -75,14 +158,21 @@ export function journal(root, {params}) {
   }
 
   function draw() {
-    count.textContent = rows.length ? t(next ? 'journal.newest' : 'journal.count', {n: rows.length}) : t('journal.none');
+    count.textContent = rows.length
+      ? t(next ? 'journal.newest' : 'journal.count', {n: rows.length})
+      : t('journal.none');
     let day = null;
-    replace(list, rows.map((row) => {
-      const date = wall(row.at).day;
-      const head = date !== day && h('li', {class: 'daybreak'}, h('h2', null, shortDate(date), ' ', date.slice(0, 4)));
-      day = date;
-      return [head, line(row)];
-    }));
+    replace(
+      list,
+      rows.map((row) => {
+        const date = wall(row.at).day;
+        const head =
+          date !== day &&
+          h('li', {class: 'daybreak'}, h('h2', null, shortDate(date), ' ', date.slice(0, 4)));
+        day = date;
+        return [head, line(row)];
+      }),
+    );
     replace(more, next && button(t('journal.older'), () => read(next), {'data-key': 'older'}));
   }
 
@@ -98,9 +188,13 @@ export function journal(root, {params}) {
   read();
   return {
     title: t('nav.journal'),
-    on: {journal: fresh, replaced: () => read(), events: () => {
-      if (!filters.contains(document.activeElement)) drawFilters();
-    }},
+    on: {
+      journal: fresh,
+      replaced: () => read(),
+      events: () => {
+        if (!filters.contains(document.activeElement)) drawFilters();
+      },
+    },
     end: () => {
       clearTimeout(timer);
       asked?.abort();
@@ -114,7 +208,9 @@ export function matches(row, {kind, event, from, to, q}) {
   if (event && String(row.event) !== event) return false;
   const {day} = wall(row.at);
   if ((from && day < from) || (to && day > to)) return false;
-  return !q || `${row.description ?? ''}\n${row.text ?? ''}`.toLowerCase().includes(q.toLowerCase());
+  return (
+    !q || `${row.description ?? ''}\n${row.text ?? ''}`.toLowerCase().includes(q.toLowerCase())
+  );
 }
 
 function line(row) {
@@ -126,24 +222,66 @@ function line(row) {
     planned && t('journal.planned', {time: timeText(wall(planned).minutes)}),
     drawn && t('journal.drawn', {n: drawn > 0 ? `+${drawn}` : `−${-drawn}`}),
     actor && t('journal.by', {actor}),
-  ].filter(Boolean).join(', ');
-  return h('li', {class: `entry ${kind} ${outcome && outcome !== 'done' ? 'notdone' : ''}`},
-    h('time', {datetime: row.at}, timeText(wall(row.at).minutes), h('small', null, `:${String(wall(row.at).seconds).padStart(2, '0')}`)),
+  ]
+    .filter(Boolean)
+    .join(', ');
+  return h(
+    'li',
+    {class: `entry ${kind} ${outcome && outcome !== 'done' ? 'notdone' : ''}`},
+    h(
+      'time',
+      {datetime: row.at},
+      timeText(wall(row.at).minutes),
+      h('small', null, `:${String(wall(row.at).seconds).padStart(2, '0')}`),
+    ),
     icon(ICONS[kind] ?? 'events'),
-    h('div', {class: 'what'},
-      h('span', {class: 'headline'}, h('span', {class: `kind ${kind}`}, t(`kind.${kind}`)),
-        event ? [' ', here ? h('a', {href: `#/events/${event}`, 'data-key': `row-${row.id}`}, description || t('journal.event', {id: event}))
-          : h('span', null, description || t('journal.event', {id: event}))] : null,
-        (what || why) && [' ', h('span', {class: 'why'}, [what, why].filter(Boolean).join(', '))]),
+    h(
+      'div',
+      {class: 'what'},
+      h(
+        'span',
+        {class: 'headline'},
+        h('span', {class: `kind ${kind}`}, t(`kind.${kind}`)),
+        event
+          ? [
+              ' ',
+              here
+                ? h(
+                    'a',
+                    {href: `#/events/${event}`, 'data-key': `row-${row.id}`},
+                    description || t('journal.event', {id: event}),
+                  )
+                : h('span', null, description || t('journal.event', {id: event})),
+            ]
+          : null,
+        (what || why) && [' ', h('span', {class: 'why'}, [what, why].filter(Boolean).join(', '))],
+      ),
       details && h('small', null, details),
       text && h('p', {class: 'text'}, text),
-      (row.before || row.after) && difference(row)));
+      (row.before || row.after) && difference(row),
+    ),
+  );
 }
 
 /** What a change changed: before and after, where there is either. */
 function difference({before, after}) {
   const shown = (value) => (typeof value === 'string' ? value : JSON.stringify(value, null, 1));
-  return h('details', null, h('summary', null, t('journal.change')), h('div', {class: 'diff'},
-    before && h('div', null, h('h3', null, t('journal.before')), h('pre', {tabindex: '0'}, shown(before))),
-    after && h('div', null, h('h3', null, t('journal.after')), h('pre', {tabindex: '0'}, shown(after)))));
+  return h(
+    'details',
+    null,
+    h('summary', null, t('journal.change')),
+    h(
+      'div',
+      {class: 'diff'},
+      before &&
+        h(
+          'div',
+          null,
+          h('h3', null, t('journal.before')),
+          h('pre', {tabindex: '0'}, shown(before)),
+        ),
+      after &&
+        h('div', null, h('h3', null, t('journal.after')), h('pre', {tabindex: '0'}, shown(after))),
+    ),
+  );
 }

@@ -3,29 +3,49 @@
 
 import * as api from '../api.js';
 import {addDays} from '../dates.js';
-import {button, choice, field, h, replace} from '../dom.js';
+import {button, card, field, h} from '../dom.js';
 import {house} from '../house.js';
-import {choose, dateText, numberText, setting, t} from '../locale.js';
-import {confirmed, failed, notice} from '../notices.js';
+import {dateText, t} from '../locale.js';
+import {failed, notice} from '../notices.js';
 import {placeText, readPlace} from '../place.js';
-import {momentText} from '../sheet.js';
+import {backupCard, exportCard} from './backups.js';
 import {importCard} from './import.js';
+import {settingsCard} from './settings.js';
 
 export function project(root) {
-  const cards = [nameCard(), placeCard(), awayCard(), exportCard(), importCard(() => backups.read()), backupCard(), settingsCard()];
+  const cards = [
+    nameCard(),
+    placeCard(),
+    awayCard(),
+    exportCard(),
+    importCard(() => backups.read()),
+    backupCard(),
+    settingsCard(),
+  ];
   const backups = cards[5];
-  root.append(h('h1', {tabindex: '-1'}, t('nav.project')), h('div', {class: 'cards'}, cards.map(({element}) => element)));
+  root.append(
+    h('h1', {tabindex: '-1'}, t('nav.project')),
+    h(
+      'div',
+      {class: 'cards'},
+      cards.map(({element}) => element),
+    ),
+  );
   const draw = () => cards.forEach((card) => card.draw?.());
   draw();
-  return {title: t('nav.project'), on: {project: draw, replaced: () => backups.read(), connection: draw}};
+  return {
+    title: t('nav.project'),
+    on: {project: draw, replaced: () => backups.read(), connection: draw},
+  };
 }
-
-const section = (title, ...content) => h('section', {class: 'card'}, h('h2', null, title), content);
 
 /** Changes the project; the undo puts back what was there. */
 async function change(patch, text) {
-  const before = Object.fromEntries(Object.keys(patch).map((key) => [key, house.project[key] ?? null]));
-  if (before.place) before.place = {latitude: before.place.latitude, longitude: before.place.longitude};
+  const before = Object.fromEntries(
+    Object.keys(patch).map((key) => [key, house.project[key] ?? null]),
+  );
+  if (before.place)
+    before.place = {latitude: before.place.latitude, longitude: before.place.longitude};
   await api.patch('/project', patch);
   notice(text, {undo: () => api.patch('/project', before)});
 }
@@ -33,40 +53,67 @@ async function change(patch, text) {
 /** A form whose errors stand below it. */
 function smallForm(children, submit) {
   const note = h('p', {class: 'error', role: 'alert'});
-  return h('form', {novalidate: true, onsubmit: async (event) => {
-    event.preventDefault();
-    note.textContent = '';
-    try {
-      await submit();
-    } catch (error) {
-      note.textContent = error.errors?.map(({detail}) => detail).join('; ') || error.message;
-    }
-  }}, children, note);
+  return h(
+    'form',
+    {
+      novalidate: true,
+      onsubmit: async (event) => {
+        event.preventDefault();
+        note.textContent = '';
+        try {
+          await submit();
+        } catch (error) {
+          note.textContent = error.errors?.map(({detail}) => detail).join('; ') || error.message;
+        }
+      },
+    },
+    children,
+    note,
+  );
 }
 
 function nameCard() {
   const name = h('input', {maxlength: 200, 'data-key': 'name'});
-  const element = section(t('project.name'), smallForm([field(t('project.nameLabel'), name),
-    h('button', {'data-key': 'save-name'}, t('save'))], () => change({name: name.value.trim()}, t('project.named'))));
+  const element = card(
+    t('project.name'),
+    smallForm(
+      [field(t('project.nameLabel'), name), h('button', {'data-key': 'save-name'}, t('save'))],
+      () => change({name: name.value.trim()}, t('project.named')),
+    ),
+  );
   let shown = null;
-  return {element, draw: () => {
-    if (shown !== house.project.name) name.value = shown = house.project.name;
-  }};
+  return {
+    element,
+    draw: () => {
+      if (shown !== house.project.name) name.value = shown = house.project.name;
+    },
+  };
 }
 
 function placeCard() {
   const now = h('p', {class: 'lead'});
   const warning = h('p', {class: 'held'});
   const list = h('datalist', {id: 'cities'});
-  const city = h('input', {list: 'cities', autocomplete: 'off', 'data-key': 'city', placeholder: t('project.cityHint')});
-  const typed = h('input', {autocomplete: 'off', 'data-key': 'place', inputmode: 'text', placeholder: '52.52, 13.405'});
+  const city = h('input', {
+    list: 'cities',
+    autocomplete: 'off',
+    'data-key': 'city',
+    placeholder: t('project.cityHint'),
+  });
+  const typed = h('input', {
+    autocomplete: 'off',
+    'data-key': 'place',
+    inputmode: 'text',
+    placeholder: '52.52, 13.405',
+  });
   let cities = null;
   const load = async () => {
     if (cities) return;
     cities = new Map();
     try {
       const answer = await api.get('/project/cities');
-      for (const one of answer.cities) cities.set(`${one.city} (${one.country ? `${one.country}, ` : ''}${one.zone})`, one);
+      for (const one of answer.cities)
+        cities.set(`${one.city} (${one.country ? `${one.country}, ` : ''}${one.zone})`, one);
       list.replaceChildren(...[...cities.keys()].sort().map((value) => h('option', {value})));
     } catch (error) {
       cities = null;
@@ -74,118 +121,72 @@ function placeCard() {
     }
   };
   city.addEventListener('focus', load);
-  const found = () => cities?.get(city.value) ??
-    [...cities ?? []].find(([label]) => label.toLowerCase().startsWith(city.value.trim().toLowerCase()))?.[1];
+  const found = () =>
+    cities?.get(city.value) ??
+    [...(cities ?? [])].find(([label]) =>
+      label.toLowerCase().startsWith(city.value.trim().toLowerCase()),
+    )?.[1];
   city.addEventListener('change', () => {
     const one = city.value.trim() && found();
     if (one) typed.value = `${one.latitude}, ${one.longitude}`;
   });
-  const form = smallForm([
-    field(t('project.city'), city), list, field(t('project.typed'), typed, t('project.typedHint')),
-    h('button', {'data-key': 'save-place'}, t('project.setPlace')),
-  ], async () => {
-    const place = readPlace(typed.value);
-    if (!place) throw new Error(t('project.noPlace', {text: typed.value}));
-    await change({place}, t('project.placed', {place: placeText(place)}));
-  });
-  const element = section(t('project.place'), now, warning, form);
+  const form = smallForm(
+    [
+      field(t('project.city'), city),
+      list,
+      field(t('project.typed'), typed, t('project.typedHint')),
+      h('button', {'data-key': 'save-place'}, t('project.setPlace')),
+    ],
+    async () => {
+      const place = readPlace(typed.value);
+      if (!place) throw new Error(t('project.noPlace', {text: typed.value}));
+      await change({place}, t('project.placed', {place: placeText(place)}));
+    },
+  );
+  const element = card(t('project.place'), now, warning, form);
   let shown = null;
-  return {element, draw: () => {
-    const {place, timezone} = house.project;
-    now.textContent = `${placeText(place)} · ${timezone.name}`;
-    warning.textContent = place.guessed ? t('project.guessed') : '';
-    const text = `${place.latitude}, ${place.longitude}`;
-    if (shown !== text) typed.value = shown = text;
-  }};
+  return {
+    element,
+    draw: () => {
+      const {place, timezone} = house.project;
+      now.textContent = `${placeText(place)} · ${timezone.name}`;
+      warning.textContent = place.guessed ? t('project.guessed') : '';
+      const text = `${place.latitude}, ${place.longitude}`;
+      if (shown !== text) typed.value = shown = text;
+    },
+  };
 }
 
 function awayCard() {
   const state = h('p');
   const until = h('input', {type: 'date', 'data-key': 'away'});
-  const back = button(t('project.back'), () => change({away_until: null}, t('project.isBack')).catch(failed), {'data-key': 'back'});
-  const element = section(t('project.away'), state, smallForm([
-    field(t('project.awayUntil'), until, t('project.awayHint')),
-    h('div', {class: 'row'}, h('button', {'data-key': 'save-away'}, t('project.goAway')), back),
-  ], async () => {
-    if (!until.value) throw new Error(t('form.noDate'));
-    await change({away_until: until.value}, t('project.isAway', {date: dateText(until.value)}));
-  }));
-  return {element, draw: () => {
-    const away = house.project.away_until;
-    until.min = addDays(house.date(), 1);
-    if (document.activeElement !== until) until.value = away ?? '';
-    state.textContent = away ? t('project.isAway', {date: dateText(away)}) : t('project.atHome');
-    back.hidden = !away;
-  }};
-}
-
-/** Lets the browser keep a text as a file. */
-export function download(text, name, type = 'application/xml') {
-  const url = URL.createObjectURL(new Blob([text], {type}));
-  h('a', {href: url, download: name}).click();
-  setTimeout(() => URL.revokeObjectURL(url), 10000);
-}
-
-const fileName = (suffix) => `${house.name().replace(/[^\p{L}\p{N}]+/gu, '-').replace(/^-|-$/g, '')}-${suffix}.xml`;
-
-function exportCard() {
-  return {element: section(t('project.export'), h('p', null, t('project.exportText')), button(t('project.exportDo'), async () => {
-    try {
-      const response = await api.send('GET', '/project/export');
-      download(await response.text(), fileName(house.date()));
-    } catch (error) {
-      failed(error);
-    }
-  }, {'data-key': 'export'}))};
-}
-
-function backupCard() {
-  const list = h('ul', {class: 'backups'});
-  const restore = async (backup) => {
-    if (!await confirmed(t('backup.title'), t('backup.text', {when: momentText(backup.saved)}), t('backup.restore'))) return;
-    await api.post(`/project/backups/${backup.number}/restore`);
-    notice(t('backup.restored'));
-    await read();
-  };
-  const save = async (backup) => {
-    const response = await api.send('GET', `/project/backups/${backup.number}`);
-    download(await response.text(), fileName(`backup-${backup.saved.slice(0, 10)}`));
-  };
-  const row = (backup) => h('li', null, h('span', null, momentText(backup.saved),
-    h('small', null, [backup.reason, t('backup.size', {n: numberText(backup.bytes / 1000, 1)})].filter(Boolean).join(', '))),
-  button(t('backup.download'), () => save(backup).catch(failed), {kind: 'small'}),
-  button(t('backup.restore'), () => restore(backup).catch(failed), {kind: 'small', 'data-key': `restore-${backup.number}`}));
-
-  async function read() {
-    try {
-      const {backups} = await api.get('/project/backups');
-      replace(list, backups.map(row), backups.length === 0 && h('li', {class: 'empty'}, t('backup.none')));
-    } catch (error) {
-      failed(error);
-    }
-  }
-  read();
-  const element = section(t('backup.card'), h('p', null, t('backup.what')), button(t('backup.now'), async () => {
-    try {
-      await api.post('/project/backups');
-      notice(t('backup.done'));
-      await read();
-    } catch (error) {
-      failed(error);
-    }
-  }, {'data-key': 'backup'}), list);
-  return {element, read};
-}
-
-function settingsCard() {
-  const line = (name, values) => field(t(`set.${name}`), choice(values.map((value) => [value, t(`set.${name}.${value}`)]), setting(name),
-    (value) => choose(name, value), {'data-key': `set-${name}`}));
-  const about = h('p', {class: 'muted'});
+  const back = button(
+    t('project.back'),
+    () => change({away_until: null}, t('project.isBack')).catch(failed),
+    {'data-key': 'back'},
+  );
+  const element = card(
+    t('project.away'),
+    state,
+    smallForm(
+      [
+        field(t('project.awayUntil'), until, t('project.awayHint')),
+        h('div', {class: 'row'}, h('button', {'data-key': 'save-away'}, t('project.goAway')), back),
+      ],
+      async () => {
+        if (!until.value) throw new Error(t('form.noDate'));
+        await change({away_until: until.value}, t('project.isAway', {date: dateText(until.value)}));
+      },
+    ),
+  );
   return {
-    element: section(t('set.card'), h('p', {class: 'muted'}, t('set.what')),
-      line('language', ['auto', 'en', 'de']), line('clock', ['auto', '24', '12']),
-      line('week', ['auto', '1', '0', '6']), line('theme', ['auto', 'light', 'dark']), about),
-    draw: () => { about.textContent = t('about', {version: house.project.version, n: house.events.size}); },
+    element,
+    draw: () => {
+      const away = house.project.away_until;
+      until.min = addDays(house.date(), 1);
+      if (document.activeElement !== until) until.value = away ?? '';
+      state.textContent = away ? t('project.isAway', {date: dateText(away)}) : t('project.atHome');
+      back.hidden = !away;
+    },
   };
 }
-

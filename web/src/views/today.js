@@ -18,9 +18,24 @@ export function today(root) {
   const soon = h('ol', {class: 'timeline'});
   const count = h('p', {class: 'muted'});
   root.append(
-    h('h1', {tabindex: '-1'}, t('today.title')), h('p', {class: 'date'}), next,
-    h('section', {'aria-labelledby': 'list-title'}, h('h2', {id: 'list-title'}, t('today.list')), count, band, list),
-    h('section', {'aria-labelledby': 'soon-title'}, h('h2', {id: 'soon-title'}, t('today.soon')), soon));
+    h('h1', {tabindex: '-1'}, t('today.title')),
+    h('p', {class: 'date'}),
+    next,
+    h(
+      'section',
+      {'aria-labelledby': 'list-title'},
+      h('h2', {id: 'list-title'}, t('today.list')),
+      count,
+      band,
+      list,
+    ),
+    h(
+      'section',
+      {'aria-labelledby': 'soon-title'},
+      h('h2', {id: 'soon-title'}, t('today.soon')),
+      soon,
+    ),
+  );
 
   const draw = () => {
     root.querySelector('.date').textContent = longDate(house.date());
@@ -31,11 +46,19 @@ export function today(root) {
   };
   const drawSoon = async () => {
     const from = addDays(house.date(), 1);
-    const {occurrences} = await api.get(`/occurrences${api.query({
-      from, to: addDays(from, SOON_DAYS - 1), limit: 1000})}`);
+    const {occurrences} = await api.get(
+      `/occurrences${api.query({
+        from,
+        to: addDays(from, SOON_DAYS - 1),
+        limit: 1000,
+      })}`,
+    );
     occurrences.sort((a, b) => Date.parse(a.time) - Date.parse(b.time));
-    replace(soon, occurrences.slice(0, SOON_ROWS).map(soonRow),
-      occurrences.length === 0 && h('li', {class: 'empty'}, t('today.noneSoon')));
+    replace(
+      soon,
+      occurrences.slice(0, SOON_ROWS).map(soonRow),
+      occurrences.length === 0 && h('li', {class: 'empty'}, t('today.noneSoon')),
+    );
   };
   let shownDate = house.date();
   const tick = () => {
@@ -52,8 +75,14 @@ export function today(root) {
     title: t('today.title'),
     on: {
       today: draw,
-      project: () => { draw(); drawSoon().catch(() => {}); },
-      events: () => { draw(); drawSoon().catch(() => {}); },
+      project: () => {
+        draw();
+        drawSoon().catch(() => {});
+      },
+      events: () => {
+        draw();
+        drawSoon().catch(() => {});
+      },
     },
     end: () => clearInterval(timer),
   };
@@ -63,13 +92,15 @@ export function today(root) {
 const whenOf = (occurrence) => occurrence.due ?? occurrence.planned;
 
 function nextUp() {
-  const pending = house.today.occurrences
-    .filter(({state, event}) => state === 'pending' && house.events.has(event));
+  const pending = house.today.occurrences.filter(
+    ({state, event}) => state === 'pending' && house.events.has(event),
+  );
   if (pending.length) {
     const first = pending.reduce((a, b) => (Date.parse(whenOf(b)) < Date.parse(whenOf(a)) ? b : a));
     return {event: house.events.get(first.event), at: whenOf(first)};
   }
-  const coming = [...house.events.values()].filter(({next}) => next)
+  const coming = [...house.events.values()]
+    .filter(({next}) => next)
     .sort((a, b) => Date.parse(a.next) - Date.parse(b.next))[0];
   return coming && {event: coming, at: coming.next};
 }
@@ -78,19 +109,39 @@ function drawNext(card) {
   const coming = nextUp();
   const title = h('h2', {id: 'next-title'}, t('today.next'));
   if (!coming) {
-    return replace(card, title, h('p', {class: 'lead'}, t('today.nothingNext')),
-      h('a', {class: 'button primary', href: '#/events/new'}, icon('plus'), t('new')));
+    return replace(
+      card,
+      title,
+      h('p', {class: 'lead'}, t('today.nothingNext')),
+      h('a', {class: 'button primary', href: '#/events/new'}, icon('plus'), t('new')),
+    );
   }
   const {event, at} = coming;
   const holds = holdsText(event);
-  replace(card, title,
-    h('p', {class: 'name'}, h('a', {href: `#/events/${event.id}`, 'data-key': 'next-name'}, event.description)),
+  replace(
+    card,
+    title,
+    h(
+      'p',
+      {class: 'name'},
+      h('a', {href: `#/events/${event.id}`, 'data-key': 'next-name'}, event.description),
+    ),
     h('p', {class: 'lead'}, icon(baseIcon(event.time?.base)), ' ', sentence(event, house.date())),
-    h('p', {class: 'count', 'data-at': at}, h('time', {datetime: at}, momentText(at)),
-      h('span', {class: 'countdown', role: 'timer'})),
+    h(
+      'p',
+      {class: 'count', 'data-at': at},
+      h('time', {datetime: at}, momentText(at)),
+      h('span', {class: 'countdown', role: 'timer'}),
+    ),
     holds && h('p', {class: 'held'}, icon('held'), ' ', holds),
-    h('div', {class: 'row'}, deedsOf(event).map(([label, drawing, deed]) =>
-      button(label, deed, {drawing, 'data-key': `next-${drawing}-${label}`}))));
+    h(
+      'div',
+      {class: 'row'},
+      deedsOf(event).map(([label, drawing, deed]) =>
+        button(label, deed, {drawing, 'data-key': `next-${drawing}-${label}`}),
+      ),
+    ),
+  );
   drawCountdown(card);
 }
 
@@ -105,7 +156,9 @@ function drawCountdown(card) {
 function countsText() {
   const counts = {fired: 0, pending: 0, held: 0, missed: 0};
   for (const {state} of house.today.occurrences) ++counts[state];
-  const parts = Object.entries(counts).filter(([, n]) => n).map(([state, n]) => t(`count.${state}`, {n}));
+  const parts = Object.entries(counts)
+    .filter(([, n]) => n)
+    .map(([state, n]) => t(`count.${state}`, {n}));
   return parts.join(' · ') || t('today.none');
 }
 
@@ -116,21 +169,50 @@ function row(occurrence) {
   const key = `today-${id}-${planned}`;
   const holds = event && state === 'pending' ? holdsText(event) : '';
   const spread = event?.time?.spread;
-  return h('li', {class: `occurrence ${state}`},
+  return h(
+    'li',
+    {class: `occurrence ${state}`},
     h('time', {datetime: whenOf(occurrence)}, timeText(minutes)),
     icon(baseIcon(base)),
-    h('div', {class: 'what'},
-      event ? h('button', {type: 'button', class: 'link', 'data-key': key, onclick: () => showEvent(id)}, description)
+    h(
+      'div',
+      {class: 'what'},
+      event
+        ? h(
+            'button',
+            {type: 'button', class: 'link', 'data-key': key, onclick: () => showEvent(id)},
+            description,
+          )
         : h('span', null, description),
-      drawn == null && spread > 0 && state === 'pending' &&
+      drawn == null &&
+        spread > 0 &&
+        state === 'pending' &&
         h('small', null, t('today.undrawn', {n: spread})),
-      drawn ? h('small', null, t(drawn < 0 ? 'today.drawnEarly' : 'today.drawnLate', {
-        n: Math.abs(drawn), time: timeText(wall(planned).minutes)})) : null,
-      holds && h('small', {class: 'held'}, holds)),
+      drawn
+        ? h(
+            'small',
+            null,
+            t(drawn < 0 ? 'today.drawnEarly' : 'today.drawnLate', {
+              n: Math.abs(drawn),
+              time: timeText(wall(planned).minutes),
+            }),
+          )
+        : null,
+      holds && h('small', {class: 'held'}, holds),
+    ),
     h('span', {class: `state ${state}`}, icon(state), h('span', null, stateText(occurrence))),
-    event && state === 'pending' && h('span', {class: 'quick'},
-      deedsOf(event).map(([label, drawing, deed]) => iconButton(
-        t('deed.on', {deed: label, description}), drawing, deed, {'data-key': `${key}-${drawing}`}))));
+    event &&
+      state === 'pending' &&
+      h(
+        'span',
+        {class: 'quick'},
+        deedsOf(event).map(([label, drawing, deed]) =>
+          iconButton(t('deed.on', {deed: label, description}), drawing, deed, {
+            'data-key': `${key}-${drawing}`,
+          }),
+        ),
+      ),
+  );
 }
 
 /** "held back: paused" */
@@ -141,29 +223,50 @@ function stateText({state, reason}) {
 
 function soonRow({event: id, description, date, time, base}) {
   const {day = date, minutes} = wall(time);
-  return h('li', {class: 'occurrence'},
+  return h(
+    'li',
+    {class: 'occurrence'},
     h('time', {datetime: time}, `${shortDate(day)} ${timeText(minutes)}`),
     icon(baseIcon(base)),
-    h('div', {class: 'what'}, h('button', {type: 'button', class: 'link', 'data-key': `soon-${id}-${date}`,
-      onclick: () => showEvent(id, {occurrence: {day, minutes}})}, description)));
+    h(
+      'div',
+      {class: 'what'},
+      h(
+        'button',
+        {
+          type: 'button',
+          class: 'link',
+          'data-key': `soon-${id}-${date}`,
+          onclick: () => showEvent(id, {occurrence: {day, minutes}}),
+        },
+        description,
+      ),
+    ),
+  );
 }
 
 /** The day from midnight to midnight: light by the sun, now, and what occurs. */
 function dayBand() {
-  const x = (minutes) => `${(minutes / 1440 * 100).toFixed(2)}%`;
+  const x = (minutes) => `${((minutes / 1440) * 100).toFixed(2)}%`;
   const sun = house.sun;
   const light = [0, 1440];
   if (sun && !sun.polar) light.splice(0, 2, wall(sun.sunrise).minutes, wall(sun.sunset).minutes);
   const dark = sun?.polar === 'night';
   const now = house.wallNow().minutes;
-  return s('svg', {class: 'dayband', role: 'img', 'aria-label': t('today.band')},
+  return s(
+    'svg',
+    {class: 'dayband', role: 'img', 'aria-label': t('today.band')},
     s('rect', {class: 'night', width: '100%', height: '100%', rx: 4}),
-    !dark && light[0] < light[1] && s('rect', {class: 'light', x: x(light[0]), width: x(light[1] - light[0]), height: '100%'}),
+    !dark &&
+      light[0] < light[1] &&
+      s('rect', {class: 'light', x: x(light[0]), width: x(light[1] - light[0]), height: '100%'}),
     [6, 12, 18].map((hour) => [
       s('line', {class: 'hour', x1: x(hour * 60), x2: x(hour * 60), y1: 0, y2: '100%'}),
       s('text', {x: x(hour * 60), dx: 3, y: 11}, timeText(hour * 60)),
     ]),
-    house.today.occurrences.map((one) => s('circle', {class: `dot ${one.state}`,
-      cx: x(wall(whenOf(one)).minutes), cy: '62%', r: 5})),
-    s('line', {class: 'now', x1: x(now), x2: x(now), y1: 0, y2: '100%'}));
+    house.today.occurrences.map((one) =>
+      s('circle', {class: `dot ${one.state}`, cx: x(wall(whenOf(one)).minutes), cy: '62%', r: 5}),
+    ),
+    s('line', {class: 'now', x1: x(now), x2: x(now), y1: 0, y2: '100%'}),
+  );
 }
