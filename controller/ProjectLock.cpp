@@ -2,11 +2,13 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 #include "controller/Failure.h"
@@ -16,6 +18,24 @@
 namespace controller {
 
 namespace {
+
+/// A holder that was killed may hold it a little longer: in a write that the disk has not finished,
+/// or in the copy that a program which it was just starting still has.
+constexpr auto kPatience = std::chrono::seconds(1);
+constexpr auto kPause = std::chrono::milliseconds(10);
+
+bool TakeWithin(std::chrono::steady_clock::duration patience, int fd) {
+  const auto end = std::chrono::steady_clock::now() + patience;
+  while (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+    const int why = errno;
+    if ((why != EWOULDBLOCK && why != EINTR) || std::chrono::steady_clock::now() >= end) {
+      errno = why;
+      return false;
+    }
+    std::this_thread::sleep_for(kPause);
+  }
+  return true;
+}
 
 [[noreturn]] void FailOn(const std::filesystem::path& file, int why) {
   throw Failure("lock file " + Quoted(file.string()) + ": " + std::strerror(why) +
@@ -46,7 +66,7 @@ ProjectLock::ProjectLock(const std::filesystem::path& project, const std::string
   for (;;) {
     fd_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
     if (fd_ < 0) FailOn(path_, errno);
-    if (::flock(fd_, LOCK_EX | LOCK_NB) != 0) {
+    if (!TakeWithin(kPatience, fd_)) {
       const int why = errno;
       const std::string holder = HolderOf(fd_);
       ::close(fd_);

@@ -1,5 +1,9 @@
+#include <chrono>
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <thread>
 #include <unistd.h>
 
 #include "TempFolder.h"
@@ -27,6 +31,18 @@ TEST(ProjectLock, IsHeldByOneAndNamesItsHolder) {
   }
   EXPECT_FALSE(std::filesystem::exists(folder / "project.db.lock"));
   const ProjectLock third(project, "import");
+}
+
+TEST(ProjectLock, WaitsForAHolderThatIsAboutToBeGone) {
+  const TempFolder folder;
+  const int held = ::open((folder / "project.db.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  ASSERT_EQ(::flock(held, LOCK_EX), 0);
+  std::thread gone([held] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    ::close(held);
+  });
+  EXPECT_NO_THROW(ProjectLock(folder / "project.db", "serve"));
+  gone.join();
 }
 
 TEST(ProjectLock, IsNotHeldByAFileThatWasLeftBehind) {
