@@ -7,6 +7,7 @@
 #include "controller/DriverInstance.h"
 #include "controller/Failure.h"
 #include "controller/Log.h"
+#include "controller/PlainXml.h"
 #include "controller/XmlRepair.h"
 
 namespace controller {
@@ -115,7 +116,8 @@ void Committer::OnDue(int, short, void* argument) {
 }
 
 std::string ReadableState(std::string text) {
-  if (VxXML::CreateXmlDocument(text)) return text;
+  // Every save asks this of the whole schedule, and hardly ever is the answer no.
+  if (IsPlainXml(text) || VxXML::CreateXmlDocument(text)) return text;
   RepairedXml repaired = RepairXml(text);
   ParseXml(repaired.text, "the state that the driver gave");
   Log::Warning("the schedule holds " + std::to_string(repaired.replaced) +
