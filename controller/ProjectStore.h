@@ -37,6 +37,9 @@ class ProjectStore {
   /// Opens a project and tests it before anything is written: a file that is no project, is
   /// damaged, or was written by a newer version is refused and stays as it is.
   ProjectStore(const std::filesystem::path& file, Use use);
+  ~ProjectStore();
+  ProjectStore(const ProjectStore&) = delete;
+  ProjectStore& operator=(const ProjectStore&) = delete;
 
   /// For those who keep something of their own in the project.
   SqliteDatabase& Database() { return database_; }
@@ -68,6 +71,7 @@ class ProjectStore {
   void PutAside(std::string_view driver, std::string_view reason);
   void WriteState(std::string_view driver, std::string_view xml);
 
+  Use use_;
   bool isNew_ = false;
   SqliteDatabase database_;
 };

@@ -7,11 +7,19 @@ namespace controller {
 
 namespace {
 
+/// Whether the file is no longer the one of its name. What SQLite answers then depends on where it
+/// noticed.
+bool HasMoved(sqlite3* handle) {
+  int moved = 0;
+  sqlite3_file_control(handle, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  return moved != 0;
+}
+
 std::string Explanation(sqlite3* handle, int code) {
   if (handle == nullptr) return "out of memory";
-  switch (sqlite3_extended_errcode(handle)) {
-    case SQLITE_READONLY_DBMOVED:
-      return "the file was moved or deleted while it was in use; put it back";
+  const int extended = sqlite3_extended_errcode(handle);
+  if (HasMoved(handle)) return "the file was moved or deleted while it was in use; put it back";
+  switch (extended) {
     case SQLITE_READONLY_DIRECTORY:
     case SQLITE_CANTOPEN:
       return "its folder cannot be written or the file cannot be opened; check the permissions";
