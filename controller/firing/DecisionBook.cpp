@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "controller/LocalTimeText.h"
 
@@ -31,14 +32,15 @@ const char* StateName(OccurrenceState state) {
 }
 
 void DecisionBook::Load(ProjectStore& store, const DayFields& from) {
-  decisions_.clear();
+  DecisionBook loaded;
   SqliteStatement query(store.Database(),
                         "SELECT event, date, planned, outcome FROM decision WHERE date >= ?1");
   query.Bind(1, DayNumber(from));
   while (query.Step()) {
-    Note({static_cast<unsigned long>(query.NumberAt(0)), DayOfNumber(query.NumberAt(1)),
-          query.NumberAt(2), StateOf(query.TextAt(3))});
+    loaded.Note({static_cast<unsigned long>(query.NumberAt(0)), DayOfNumber(query.NumberAt(1)),
+                 query.NumberAt(2), StateOf(query.TextAt(3))});
   }
+  *this = std::move(loaded);
 }
 
 void DecisionBook::Note(const OccurrenceDecision& decision) {

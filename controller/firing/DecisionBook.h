@@ -25,7 +25,8 @@ struct OccurrenceDecision {
 /// far back as it was loaded; who notes a decision also writes it to the project.
 class DecisionBook {
  public:
-  /// Reads what the project holds from this day on, in place of what was known.
+  /// Reads what the project holds from this day on, in place of what was known. Throws a
+  /// `Failure`, and has then changed nothing.
   void Load(ProjectStore& store, const DayFields& from);
   void Note(const OccurrenceDecision& decision);
   /// The event was acted on for that day.

@@ -146,6 +146,8 @@ void Controller::RestartScheduler(const std::string& cause,
 void Controller::ReplaceScheduler(const std::optional<std::string>& state,
                                   const std::string& cause) {
   const std::time_t from = desk_.AccountedUntil();
+  // While there is a scheduler still: for this, what waits may have to be saved.
+  LoadBook(from);
   DestroyScheduler();
   CreateScheduler(state, from, cause);
   committer_.Invalidate();
@@ -164,7 +166,8 @@ ExitStatus Controller::Stop() {
     // Ended here, so that what was under way is in the journal.
     runner_.reset();
     Record(NewRow("controller", "stopped"));
-    saved = committer_.SaveNow();
+    // What fails once, as a lock that somebody else holds for a moment, is not the end of it.
+    saved = committer_.SaveNow() || committer_.SaveNow();
     DestroyScheduler();
   }
   if (saved) {

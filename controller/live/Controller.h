@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -24,6 +25,7 @@
 #include "controller/Signals.h"
 #include "controller/firing/FiringDesk.h"
 #include "controller/live/ClockGuard.h"
+#include "controller/live/DeletedEvents.h"
 #include "controller/live/ProgrammingTable.h"
 
 namespace controller {
@@ -146,7 +148,8 @@ class Controller final : public House,
   void TellInterrupted(const JournalRow& fired);
   void FillReasons();
   void ReadReasons();
-  void LoadBook(const DayFields& from);
+  /// Takes up what became of whatever may be due after `from`, or by the clock as it is now.
+  void LoadBook(std::time_t from);
   std::vector<ScheduleTrace> Draws(const std::string& persisted, std::time_t from, std::time_t now);
   void OnSignal(int signal);
   void ReloadTimeZone();
@@ -170,6 +173,7 @@ class Controller final : public House,
   void TakeUpAdded(unsigned long eventId, const ChangeFacts& facts);
   void TellChange(const Notice& notice, const ChangeFacts& facts);
   void Finish(Saved saved);
+  std::optional<DeletedEvent> FindDeleted(unsigned long eventId);
   void TakeSchedule(const std::string& state, const std::string& reason, const std::string& actor,
                     Saved saved);
   /// What is on the disk is put aside in the transaction that is next.
@@ -212,10 +216,10 @@ class Controller final : public House,
   std::function<void()> onStarted_;
   std::vector<Notice> notices_;
   std::set<unsigned long> dropped_;
+  std::map<unsigned long, DeletedEvent> unsavedDeleted_;
   unsigned long lastAdded_ = 0;
   std::string backupReason_;
   DayFields backupDay_;
-  std::optional<DayFields> bookFrom_;
   bool planTold_ = true;
   bool clockWaitTold_ = false;
   std::time_t startedAt_ = 0;

@@ -161,19 +161,27 @@ bool Controller::DeleteEvent(unsigned long eventId, const std::string& actor, Sa
   const EventElement* before = desk_.Catalog().Find(*scheduler_, eventId);
   const auto element = scheduler_->Request("GET_EVENT", {{"EVENT_ID", std::to_string(eventId)}});
   if (before == nullptr || !element) return false;
-  committer_.Add([eventId, xml = element->ToString(),
-                  programming = ProgrammingText(programming_.Of(eventId))](ProjectStore& store) {
-    DeletedEvents::Write(store, {eventId, xml, programming});
-  });
+  const DeletedEvent deleted{eventId, element->ToString(),
+                             ProgrammingText(programming_.Of(eventId))};
+  unsavedDeleted_[eventId] = deleted;
+  committer_.Add([deleted](ProjectStore& store) { DeletedEvents::Write(store, deleted); },
+                 [this, eventId] { unsavedDeleted_.erase(eventId); });
   Command("DELETE_EVENT", {{"EVENT_ID", std::to_string(eventId)}},
           {"", actor, WholeEventText(eventId), before->description, nullptr}, std::move(saved));
   return true;
 }
 
+std::optional<DeletedEvent> Controller::FindDeleted(unsigned long eventId) {
+  if (committer_.IsPending()) committer_.SaveNow();
+  // While the disk does not take it, it is only here.
+  const auto unsaved = unsavedDeleted_.find(eventId);
+  if (unsaved != unsavedDeleted_.end()) return unsaved->second;
+  return DeletedEvents::Find(store_, eventId);
+}
+
 House::Restored Controller::RestoreEvent(unsigned long eventId, const std::string& actor,
                                          Saved saved) {
-  if (committer_.IsPending()) committer_.SaveNow();
-  const auto deleted = DeletedEvents::Find(store_, eventId);
+  const auto deleted = FindDeleted(eventId);
   if (!deleted) return Restored::kNothingToRestore;
   const std::string& xml = deleted->xml;
   const Programming programming = ReadProgrammingText(deleted->programming);
@@ -183,6 +191,7 @@ House::Restored Controller::RestoreEvent(unsigned long eventId, const std::strin
   for (const auto& [id, event] : desk_.Catalog().All()) {
     if (event.description == description) return Restored::kDescriptionTaken;
   }
+  unsavedDeleted_.erase(eventId);
   programming_.Set(eventId, programming);
   committer_.Add([eventId, programming](ProjectStore& store) {
     ProgrammingTable::Write(store, eventId, programming);

@@ -142,6 +142,7 @@ void Controller::LoadSchedule() {
   const auto stored = store_.State(kSchedulerName);
   const std::time_t now = std::time(nullptr);
   if (!stored) {
+    LoadBook(now);
     CreateScheduler(std::nullopt, now, "down");
     if (!options_.empty) AddFirstSchedule();
     // Now and not when the loop runs: from here on the project is no longer a new one.
@@ -158,6 +159,7 @@ void Controller::LoadSchedule() {
   const std::string accounted = store_.Setting(kAccountedUntil).value_or("");
   const std::time_t from = accounted.empty() ? now : std::strtol(accounted.c_str(), nullptr, 10);
   const std::time_t earliest = now - Journal::kKeptDays * kSecondsPerDay;
+  LoadBook(std::clamp(from, earliest, now));
   CreateScheduler(stored->xml, std::clamp(from, earliest, now), "down");
   TellDropped(stored->xml);
 }
@@ -166,7 +168,6 @@ void Controller::CreateScheduler(const std::optional<std::string>& persisted, st
                                  const std::string& cause) {
   const ClockScope sameMoment(std::time(nullptr));
   const std::time_t now = std::time(nullptr);
-  LoadBook(DaysAfter(LocalDay(std::min(from, now)), -1));
   std::vector<ScheduleTrace> draws;
   if (persisted) draws = Draws(*persisted, from, now);
   scheduler_ = std::make_unique<DriverInstance>(*loader_, host_);
@@ -176,12 +177,17 @@ void Controller::CreateScheduler(const std::optional<std::string>& persisted, st
   FillReasons();
 }
 
-void Controller::LoadBook(const DayFields& from) {
-  if (bookFrom_ && *bookFrom_ <= from) return;
+void Controller::LoadBook(std::time_t from) {
+  const DayFields first = DaysAfter(LocalDay(std::min(from, std::time(nullptr))), -1);
+  if (scheduler_ == nullptr) return desk_.Book().Load(store_, first);
   // What waits to be saved is in the book only.
-  if (bookFrom_ && committer_.IsPending() && !committer_.SaveNow()) return;
-  desk_.Book().Load(store_, from);
-  bookFrom_ = from;
+  if (committer_.IsPending() && !committer_.SaveNow()) return;
+  try {
+    desk_.Book().Load(store_, first);
+  } catch (const Failure& failure) {
+    Log::Warning(std::string("what became of the events of earlier days is not known: ") +
+                 failure.what());
+  }
 }
 
 std::vector<ScheduleTrace> Controller::Draws(const std::string& persisted, std::time_t from,
