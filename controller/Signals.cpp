@@ -23,6 +23,8 @@ sigset_t AnsweredSet() {
 Signals::Signals(event_base* base, std::function<void(int)> onSignal)
     : base_(base), onSignal_(std::move(onSignal)) {
   std::signal(SIGPIPE, SIG_IGN);
+  // A file that may not grow any further is a disk that is full, and no reason to end.
+  std::signal(SIGXFSZ, SIG_IGN);
   for (const int signal : kAnswered) {
     events_.push_back(MakeLoopEvent(base, signal, EV_SIGNAL | EV_PERSIST, OnSignal, this));
     if (event_add(events_.back().get(), nullptr) != 0) {
