@@ -33,6 +33,7 @@ unsigned long DriverTimers::Add(unsigned long intervalMilliseconds, OnExpired on
   timer->interval = static_cast<long>(intervalMilliseconds);
   timer->onExpired = std::make_shared<OnExpired>(std::move(onExpired));
   timer->due = MakeLoopEvent(base_, -1, 0, OnDue, timer.get());
+  PutFirst(timer->due.get());
   Arm(*timer);
   timers_[last_] = std::move(timer);
   return last_;

@@ -10,6 +10,11 @@ namespace controller {
 
 namespace {
 
+constexpr long kLongestStretchMilliseconds = 5;
+// Of three the middle one is what an event has that asks for none.
+constexpr int kPriorities = 3;
+constexpr int kUsualPriority = 1;
+
 bool loopFailed = false;
 
 }  // namespace
@@ -31,9 +36,14 @@ EventBase MakeEventBase() {
   if (config == nullptr) throw Failure("out of memory");
   // Delays are counted from the moment they are set, not from when the loop last woke up.
   event_config_set_flag(config, EVENT_BASE_FLAG_NO_CACHE_TIME | EVENT_BASE_FLAG_PRECISE_TIMER);
+  // However much there is to be answered: after so much of it, it is looked whether a tick is due.
+  const timeval most = Milliseconds(kLongestStretchMilliseconds);
+  event_config_set_max_dispatch_interval(config, &most, -1, kUsualPriority);
   EventBase base(event_base_new_with_config(config));
   event_config_free(config);
-  if (base == nullptr) throw Failure("the event loop cannot be started");
+  if (base == nullptr || event_base_priority_init(base.get(), kPriorities) != 0) {
+    throw Failure("the event loop cannot be started");
+  }
   return base;
 }
 
@@ -43,6 +53,8 @@ LoopEvent MakeLoopEvent(event_base* base, int fd, short what, event_callback_fn 
   if (made == nullptr) throw Failure("the event loop takes no further event");
   return made;
 }
+
+void PutFirst(event* due) { event_priority_set(due, 0); }
 
 timeval Milliseconds(long count) { return {count / 1000, (count % 1000) * 1000}; }
 

@@ -19,6 +19,9 @@ struct EventFree {
 /// One thing that the loop waits for; freed, it is waited for no longer.
 using LoopEvent = std::unique_ptr<event, EventFree>;
 
+/// Has an event that is not pending come before all others that are due at the same time.
+void PutFirst(event* due);
+
 /// A new loop whose timers are as exact as the system allows. Throws a `Failure`.
 EventBase MakeEventBase();
 /// A new event (see event_new). Throws a `Failure`.
