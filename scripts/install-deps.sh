@@ -18,7 +18,7 @@ run_packages=(
   ca-certificates cmake g++ libcli11-dev libcurl4-openssl-dev libevent-dev libexpat1-dev libsqlite3-dev
   ninja-build nettle-dev nlohmann-json3-dev pkgconf tzdata)
 test_packages=(
-  binutils groff-base libgmock-dev libgtest-dev libical-dev mandoc openssl python3
+  binutils faketime groff-base libgmock-dev libgtest-dev libical-dev mandoc openssl python3
   python3-jsonschema shellcheck)
 # The pages are tried in a browser. A machine may have these from elsewhere.
 for pair in node:nodejs npm:npm chromium:chromium; do
