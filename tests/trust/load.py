@@ -3,7 +3,7 @@
 
   tests/trust/load.py [--streams N] [--inflight N] [--seconds N] [--report]
 
-With --report it prints how fast that went and how late ticks came; see bench/api/load.sh.
+With --report it prints how fast that went and how late ticks came; nothing else should run then.
 """
 
 import argparse
