@@ -7,15 +7,6 @@
 
 namespace controller::cli {
 
-namespace {
-
-std::string ValueText(const Json& object, const char* name) {
-  if (!object.contains(name) || object[name].is_null()) return {};
-  return object[name].is_string() ? object[name].get<std::string>() : object[name].dump();
-}
-
-}  // namespace
-
 void WriteActions(const Session& session, const Json& event, const Json& programming) {
   std::ostream& out = session.terminal.out;
   out << EventName(event) << ": " << ProgrammingStateText(programming) << '\n';
@@ -27,19 +18,19 @@ void WriteActions(const Session& session, const Json& event, const Json& program
 
 void WriteOutcome(const Session& session, const Json& outcome) {
   std::ostream& out = session.terminal.out;
-  const std::string how = ValueText(outcome, "outcome");
+  const std::string how = ShownField(outcome, "outcome");
   const Style style = how == "done"        ? Style::kGood
                       : how == "condition" ? Style::kWarning
                                            : Style::kBad;
-  const std::string detail = Printable(ValueText(outcome, "detail"));
+  const std::string detail = Printable(ShownField(outcome, "detail"));
   out << session.terminal.Styled(
              how == "condition" ? "not done, the condition does not hold" : Printable(how), style)
       << (detail.empty() ? "" : ": " + detail);
-  const std::string time = ValueText(outcome, "milliseconds");
+  const std::string time = ShownField(outcome, "milliseconds");
   if (!time.empty()) out << " (" << Printable(time) << " ms)";
   out << '\n';
   // Line by line: what a program wrote has lines, and each may hold anything.
-  std::string text = ValueText(outcome, "output");
+  std::string text = ShownField(outcome, "output");
   while (!text.empty()) {
     const std::size_t end = text.find('\n');
     out << "  " << Printable(text.substr(0, end)) << '\n';
@@ -54,11 +45,11 @@ void WriteRunning(const Session& session, const Json& answer) {
   }
   Table table({{"EVENT"}, {"STATE"}, {"SINCE"}, {"WHAT", false, true}});
   for (const Json& action : answer.at("actions")) {
-    const std::string event = ValueText(action, "event");
-    const std::string description = ValueText(action, "description");
+    const std::string event = ShownField(action, "event");
+    const std::string description = ShownField(action, "description");
     table.Add({event + (description.empty() ? "" : ' ' + Quoted(description)),
-               ValueText(action, "state"), ExactMomentText(ValueText(action, "since")),
-               ValueText(action, "text")});
+               ShownField(action, "state"), ExactMomentText(ShownField(action, "since")),
+               ShownField(action, "text")});
   }
   if (table.IsEmpty()) {
     session.terminal.out << "nothing is waiting or under way\n";

@@ -84,7 +84,7 @@ int Try(const ActionsLine& line, Session& session, const Json& event) {
   } else {
     WriteOutcome(session, outcome);
   }
-  const std::string how = outcome.value("outcome", "");
+  const std::string how = TextField(outcome, "outcome");
   return static_cast<int>(how == "done" || how == "condition" ? ExitStatus::kOk
                                                               : ExitStatus::kFailed);
 }

@@ -15,7 +15,7 @@ namespace {
 constexpr long kLargestId = 1000000000000000;
 constexpr std::size_t kMostListed = 10;
 
-std::string DescriptionOf(const Json& event) { return event.value("description", ""); }
+std::string DescriptionOf(const Json& event) { return TextField(event, "description"); }
 
 std::string Candidates(const std::vector<Json>& events) {
   std::string text;

@@ -56,8 +56,8 @@ Json Read(const JournalLine& line, Session& session) {
 }
 
 void AddRow(Table& table, const Json& row) {
-  table.Add({ExactMomentText(row.value("at", "")),
-             {row.value("kind", ""), JournalStyle(row)},
+  table.Add({ExactMomentText(TextField(row, "at")),
+             {TextField(row, "kind"), JournalStyle(row)},
              JournalEventText(row),
              JournalWhatText(row)});
 }

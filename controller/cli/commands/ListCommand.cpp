@@ -21,7 +21,8 @@ void AddRow(Table& table, const Json& event) {
              {EventTimeText(event), style},
              {EventRepeatText(event), style},
              {EventNextText(event), style},
-             {ProgrammingStateText(programming), style}});
+             {(FlagField(event, "odd", false) ? "odd, " : "") + ProgrammingStateText(programming),
+              style}});
 }
 
 int List(const ListLine& line, Session& session) {

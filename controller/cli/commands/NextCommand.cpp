@@ -90,7 +90,7 @@ std::map<std::string, Json> EventsById(Session& session) {
 std::string NoteText(const Json& occurrence, const Json& event) {
   const std::string planned = occurrence.at("time").get<std::string>();
   const long spread =
-      event.is_object() && event.contains("time") ? event["time"].value("spread", 0L) : 0;
+      event.is_object() && event.contains("time") ? NumberField(event["time"], "spread") : 0;
   const bool isDue = occurrence.contains("due") && occurrence["due"].is_string();
   std::string note = isDue || spread == 0 ? "" : "±" + MinutesText(spread);
   if (DueText(occurrence) != planned) note = "planned " + MomentText(planned);
@@ -108,7 +108,7 @@ void WriteNext(Session& session, const Json& coming) {
   for (const Json& occurrence : coming) {
     const std::string id = occurrence.at("event").dump();
     const auto event = events.find(id);
-    table.Add({MomentText(DueText(occurrence)), id, occurrence.value("description", ""),
+    table.Add({MomentText(DueText(occurrence)), id, TextField(occurrence, "description"),
                occurrence.at("base").is_string() ? occurrence["base"].get<std::string>() : "",
                NoteText(occurrence, event == events.end() ? Json(nullptr) : event->second)});
   }

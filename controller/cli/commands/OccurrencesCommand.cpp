@@ -33,7 +33,7 @@ Json Ask(const OccurrencesLine& line, Session& session) {
 
 int Occurrences(const OccurrencesLine& line, Session& session) {
   const Json answer = Ask(line, session);
-  const bool truncated = answer.value("truncated", false);
+  const bool truncated = FlagField(answer, "truncated", false);
   if (session.json) {
     session.WriteJson(answer);
     return 0;
@@ -41,7 +41,7 @@ int Occurrences(const OccurrencesLine& line, Session& session) {
   Table table({{"WHEN"}, {"ID", true}, {"DESCRIPTION", false, true}, {"BY"}});
   for (const Json& occurrence : answer.at("occurrences")) {
     table.Add({MomentText(occurrence.at("time").get<std::string>()), occurrence.at("event").dump(),
-               occurrence.value("description", ""), occurrence.value("base", "")});
+               TextField(occurrence, "description"), TextField(occurrence, "base")});
   }
   if (table.IsEmpty()) {
     session.terminal.out << "nothing occurs in these days\n";

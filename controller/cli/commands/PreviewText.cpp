@@ -12,9 +12,9 @@ namespace {
 
 /// An occurrence, {"date", "time"}; the time may be a moment or a time of day.
 std::string OccurrenceText(const Json& occurrence) {
-  const std::string time = occurrence.value("time", "");
+  const std::string time = TextField(occurrence, "time");
   if (time.find('T') != std::string::npos) return MomentText(time);
-  return LongDayText(occurrence.value("date", "")) + (time.empty() ? "" : ' ' + time);
+  return LongDayText(TextField(occurrence, "date")) + (time.empty() ? "" : ' ' + time);
 }
 
 }  // namespace
@@ -30,7 +30,7 @@ void WritePreview(const Session& session, const Json& preview, std::size_t most)
   if (count == 0) out << "next: never\n";
   for (const Json& warning : preview.at("warnings")) {
     out << session.terminal.Styled("warning:", Style::kWarning) << ' '
-        << Printable(warning.value("text", warning.value("code", ""))) << '\n';
+        << Printable(TextField(warning, "text", TextField(warning, "code"))) << '\n';
   }
 }
 

@@ -18,7 +18,7 @@ struct ShowLine : ClientOptions {
 };
 
 std::string StateText(const Json& programming) {
-  if (!programming.value("enabled", true)) return "disabled";
+  if (!FlagField(programming, "enabled", true)) return "disabled";
   if (programming.contains("paused_until") && !programming["paused_until"].is_null()) {
     return "paused until " + programming["paused_until"].get<std::string>();
   }
@@ -30,10 +30,14 @@ void WriteEvent(const Session& session, const Json& event, const Json& programmi
   Fields fields;
   fields.Add("time", EventTimeText(event));
   fields.Add("repeats", EventRepeatText(event));
-  fields.Add("start", LongDayText(event.value("start", "")));
+  if (FlagField(event, "odd", false)) {
+    fields.Add("odd", "it holds what cannot be said here; change it, or delete it",
+               Style::kWarning);
+  }
+  fields.Add("start", LongDayText(TextField(event, "start")));
   fields.Add("next", EventNextText(event));
   fields.Add("state", StateText(programming) +
-                          (programming.value("skip_next", false) ? ", skips the next" : ""));
+                          (FlagField(programming, "skip_next", false) ? ", skips the next" : ""));
   fields.Add("catches up", CatchUpText(programming.at("catch_up")));
   std::size_t number = 0;
   for (const Json& action : programming.at("actions")) {

@@ -13,8 +13,8 @@ namespace {
 
 std::string NextText(const Json& next) {
   if (next.is_null()) return "nothing, no event comes again";
-  return MomentText(next.value("time", "")) + "  event " + next.at("event").dump() + ' ' +
-         Quoted(next.value("description", ""));
+  return MomentText(TextField(next, "time")) + "  event " + next.at("event").dump() + ' ' +
+         Quoted(TextField(next, "description"));
 }
 
 /// "12 fired (10 timer, 2 by-hand)"
@@ -38,24 +38,24 @@ void AddCounts(Fields& fields, const Json& counts) {
 }
 
 void AddSaving(Fields& fields, const Json& saving) {
-  const bool works = saving.value("ok", false);
-  fields.Add("saving", works ? "works" : "fails: " + saving.value("why", ""),
+  const bool works = FlagField(saving, "ok", false);
+  fields.Add("saving", works ? "works" : "fails: " + TextField(saving, "why"),
              works ? Style::kGood : Style::kBad);
 }
 
 std::string ClockText(const Json& clock) {
-  return std::to_string(clock.value("jumps", 0L)) + " jumps, " +
-         std::to_string(clock.value("zone_changes", 0L)) + " changes of the zone";
+  return std::to_string(NumberField(clock, "jumps")) + " jumps, " +
+         std::to_string(NumberField(clock, "zone_changes")) + " changes of the zone";
 }
 
 void Write(const Session& session, const Json& project, const Json& status) {
   Fields fields;
   fields.Add("controller", session.api.Http().Address() + ", version " +
-                               status.value("version", project.value("version", "?")));
-  const std::string name = project.value("name", "");
+                               TextField(status, "version", TextField(project, "version", "?")));
+  const std::string name = TextField(project, "name");
   if (!name.empty()) fields.Add("project", name);
   fields.Add("now", ExactMomentText(status.at("now").get<std::string>()) + ' ' +
-                        status.at("timezone").value("name", ""));
+                        TextField(status.at("timezone"), "name"));
   fields.Add("events", status.at("events").dump());
   fields.Add("next", NextText(status.at("next")));
   if (!status.at("away_until").is_null()) {
@@ -64,7 +64,7 @@ void Write(const Session& session, const Json& project, const Json& status) {
   }
   AddSaving(fields, status.at("saving"));
   fields.Add("clock", ClockText(status.at("clock")));
-  fields.Add("started", ExactMomentText(status.value("started", "")));
+  fields.Add("started", ExactMomentText(TextField(status, "started")));
   AddCounts(fields, status.at("counts"));
   fields.Write(session.terminal);
 }

@@ -16,34 +16,29 @@ struct SunLine : ClientOptions {
   std::optional<int> year;
 };
 
-std::string TextOf(const Json& object, const char* name) {
-  if (!object.contains(name) || object[name].is_null()) return {};
-  return object[name].is_string() ? object[name].get<std::string>() : object[name].dump();
-}
-
 /// A moment's or a time's "HH:MM".
 std::string TimeText(const Json& object, const char* name) {
-  const std::string text = TextOf(object, name);
+  const std::string text = ShownField(object, name);
   const std::size_t begin = text.find('T');
   return begin == std::string::npos ? text : text.substr(begin + 1, 5);
 }
 
 std::string PolarText(const Json& day) {
-  const std::string polar = TextOf(day, "polar");
+  const std::string polar = ShownField(day, "polar");
   if (polar == "day") return "the sun does not set";
   return polar == "night" ? "the sun does not rise" : "";
 }
 
 std::string PlaceText(const Json& place) {
   if (!place.is_object()) return place.is_string() ? place.get<std::string>() : "";
-  std::string text = TextOf(place, "latitude") + ", " + TextOf(place, "longitude");
-  if (place.value("guessed", false)) text += " (guessed from the time zone)";
+  std::string text = ShownField(place, "latitude") + ", " + ShownField(place, "longitude");
+  if (FlagField(place, "guessed", false)) text += " (guessed from the time zone)";
   return text;
 }
 
 void WriteDay(const Session& session, const Json& day) {
   Fields fields;
-  fields.Add("date", LongDayText(TextOf(day, "date")));
+  fields.Add("date", LongDayText(ShownField(day, "date")));
   fields.Add("sunrise", TimeText(day, "sunrise"));
   fields.Add("sunset", TimeText(day, "sunset"));
   const std::string polar = PolarText(day);
@@ -57,8 +52,8 @@ void WriteDay(const Session& session, const Json& day) {
 void WriteYear(const Session& session, const Json& year) {
   Table table({{"DATE"}, {"SUNRISE"}, {"SUNSET"}, {""}});
   for (const Json& day : year.at("days")) {
-    table.Add({LongDayText(TextOf(day, "date")), TimeText(day, "sunrise"), TimeText(day, "sunset"),
-               PolarText(day)});
+    table.Add({LongDayText(ShownField(day, "date")), TimeText(day, "sunrise"),
+               TimeText(day, "sunset"), PolarText(day)});
   }
   table.Write(session.terminal);
 }

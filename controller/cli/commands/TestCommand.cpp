@@ -27,8 +27,8 @@ int Test(const TestLine& line, Session& session) {
   }
   session.terminal.out << session.terminal.Styled(result ? "holds" : "does not hold",
                                                   result ? Style::kGood : Style::kWarning)
-                       << ": " << Printable(answer.value("text", text));
-  const std::string because = answer.value("because", "");
+                       << ": " << Printable(TextField(answer, "text", text));
+  const std::string because = TextField(answer, "because");
   if (!because.empty()) session.terminal.out << " (now " << Printable(because) << ')';
   session.terminal.out << '\n';
   return result ? 0 : kDoesNotHold;

@@ -23,16 +23,16 @@ struct WatchLine : ClientOptions {
 
 std::string JournalLineText(const Session& session, const Json& row) {
   const std::string event = JournalEventText(row);
-  const std::string kind = PadToWidth(Printable(row.value("kind", "")), kKindWidth);
-  return Printable(ExactMomentText(row.value("at", ""))) + "  " +
+  const std::string kind = PadToWidth(Printable(TextField(row, "kind")), kKindWidth);
+  return Printable(ExactMomentText(TextField(row, "at"))) + "  " +
          session.terminal.Styled(kind, JournalStyle(row)) + "  " +
          (event.empty() ? "" : event + "  ") + JournalWhatText(row);
 }
 
 std::string SavingText(const Session& session, const Json& saving) {
-  if (saving.value("ok", false)) return "saving works again";
+  if (FlagField(saving, "ok", false)) return "saving works again";
   return session.terminal.Styled("saving fails: ", Style::kBad) +
-         Printable(saving.value("why", ""));
+         Printable(TextField(saving, "why"));
 }
 
 /// What people are told of an event; empty: nothing. What happens to events and their programming
@@ -43,7 +43,7 @@ std::string TextOf(const WatchLine& line, const Session& session, const SseEvent
   if (!data.is_object()) return {};
   if (event.type == "saving") return SavingText(session, data);
   if (event.type != "journal") return {};
-  const std::string kind = data.value("kind", "");
+  const std::string kind = TextField(data, "kind");
   const bool wanted = line.kinds.empty() ||
                       std::find(line.kinds.begin(), line.kinds.end(), kind) != line.kinds.end();
   return wanted ? JournalLineText(session, data) : "";

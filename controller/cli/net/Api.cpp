@@ -20,21 +20,16 @@ Json Parsed(const std::string& text) {
   return Json::parse(text, nullptr, /*allow_exceptions=*/false);
 }
 
-std::string TextOf(const Json& object, const char* name) {
-  if (!object.is_object() || !object.contains(name) || !object[name].is_string()) return {};
-  return object[name].get<std::string>();
-}
-
 /// What is wrong: the sentence of the problem, and the fields that it does not tell of.
 std::string ProblemText(const Json& problem) {
-  std::string text = TextOf(problem, "detail");
-  if (text.empty()) text = TextOf(problem, "title");
+  std::string text = TextField(problem, "detail");
+  if (text.empty()) text = TextField(problem, "title");
   if (!problem.contains("errors") || !problem["errors"].is_array()) return text;
   if (problem["errors"].size() < 2) return text;
   text.clear();
   for (const Json& error : problem["errors"]) {
-    text +=
-        (text.empty() ? "" : "; and ") + TextOf(error, "pointer") + ' ' + TextOf(error, "detail");
+    text += (text.empty() ? "" : "; and ") + TextField(error, "pointer") + ' ' +
+            TextField(error, "detail");
   }
   return text;
 }
@@ -64,7 +59,7 @@ void ThrowRefusal(const HttpAnswer& answer, const std::string& address) {
   const Json problem = Parsed(answer.body);
   const std::string text = ProblemText(problem);
   constexpr std::string_view kNames = "urn:vexalink:problem:";
-  std::string name = TextOf(problem, "type");
+  std::string name = TextField(problem, "type");
   if (text.empty() || !name.starts_with(kNames)) {
     throw Failure("what answers at " + address + " is no controller of this kind: it says " +
                   std::to_string(answer.status) + "; is --url right?");

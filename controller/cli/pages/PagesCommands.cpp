@@ -31,7 +31,8 @@ void WriteEvents(const ClientOptions& options) {
   Api api(options);
   const Json all = api.Events();
   for (const Json& event : all.at("events")) {
-    std::cout << event.at("id").dump() << '\t' << Printable(event.value("description", "")) << '\n';
+    std::cout << event.at("id").dump() << '\t' << Printable(TextField(event, "description"))
+              << '\n';
   }
 }
 

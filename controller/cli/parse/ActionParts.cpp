@@ -76,9 +76,9 @@ Json ParseCatchUp(const std::string& option, const std::string& text) {
 }
 
 std::string CatchUpText(const Json& catchUp) {
-  const std::string policy = catchUp.value("policy", "?");
+  const std::string policy = TextField(catchUp, "policy", "?");
   if (policy != "within") return Printable(policy);
-  return SecondsText(catchUp.value("minutes", 0L) * kSecondsPerMinute);
+  return SecondsText(NumberField(catchUp, "minutes") * kSecondsPerMinute);
 }
 
 }  // namespace controller::cli

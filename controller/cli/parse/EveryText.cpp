@@ -119,9 +119,9 @@ std::string Days(const Json& on) {
 std::string NthText(const Json& nth) {
   constexpr std::array<const char*, 5> kWords = {"?", "1st", "2nd", "3rd", "4th"};
   const Json& week = nth.at("week");
-  const std::string weekday = Printable(nth.at("weekday").get<std::string>());
+  const std::string weekday = Printable(TextField(nth, "weekday", "?"));
   if (week.is_string()) return "the " + Printable(week.get<std::string>()) + ' ' + weekday;
-  const std::size_t number = week.get<std::size_t>();
+  const std::size_t number = week.is_number() ? week.get<std::size_t>() : 0;
   return std::string("the ") + kWords[number < kWords.size() ? number : 0] + ' ' + weekday;
 }
 
@@ -142,8 +142,8 @@ Json ParseEvery(const std::string& option, const std::string& text) {
 
 std::string EveryText(const Json& repeat) {
   if (repeat.is_null()) return "once";
-  const std::string unit = Printable(repeat.at("unit").get<std::string>());
-  const long every = repeat.value("every", 1L);
+  const std::string unit = Printable(TextField(repeat, "unit", "?"));
+  const long every = NumberField(repeat, "every", 1);
   const std::string days =
       repeat.contains("on") && repeat["on"].is_array() ? Days(repeat["on"]) : "";
   if (every == 1 && days == "weekdays") return "weekday";

@@ -156,8 +156,8 @@ Json ParseAt(const std::string& option, const std::string& text) {
 }
 
 std::string AtText(const Json& time) {
-  const std::string base = time.value("base", "?");
-  const long minutes = time.value("minutes", 0L);
+  const std::string base = TextField(time, "base", "?");
+  const long minutes = NumberField(time, "minutes");
   if (base == "clock" && minutes >= 0 && minutes < kMinutesPerDay) return TimeOfDayText(minutes);
   const std::string word = base == "clock" ? "midnight" : Printable(base);
   if (minutes == 0) return word;

@@ -12,68 +12,60 @@ namespace controller::cli {
 
 namespace {
 
-bool Holds(const Json& object, const char* name) {
-  return object.is_object() && object.contains(name) && !object[name].is_null();
-}
-
-std::string TextOf(const Json& object, const char* name) {
-  return Holds(object, name) ? object[name].get<std::string>() : "";
-}
-
 std::vector<std::string> Blockers(const Json& programming) {
   std::vector<std::string> states;
-  if (!programming.value("enabled", true)) states.emplace_back("disabled");
-  if (Holds(programming, "paused_until")) {
-    states.push_back("paused until " + TextOf(programming, "paused_until"));
+  if (!FlagField(programming, "enabled", true)) states.emplace_back("disabled");
+  if (HasField(programming, "paused_until")) {
+    states.push_back("paused until " + TextField(programming, "paused_until"));
   }
-  if (programming.value("skip_next", false)) states.emplace_back("skips the next");
+  if (FlagField(programming, "skip_next", false)) states.emplace_back("skips the next");
   return states;
 }
 
 std::size_t ActionCount(const Json& programming) {
-  if (!Holds(programming, "actions")) return 0;
+  if (!HasField(programming, "actions")) return 0;
   const Json& actions = programming["actions"];
   return actions.is_array() ? actions.size() : actions.get<std::size_t>();
 }
 
 std::string WhatWords(const Json& action) {
-  if (Holds(action, "hook")) {
-    return action["hook"].value("method", "POST") + ' ' + TextOf(action["hook"], "url");
+  if (HasField(action, "hook")) {
+    return TextField(action["hook"], "method", "POST") + ' ' + TextField(action["hook"], "url");
   }
-  if (Holds(action, "command")) {
+  if (HasField(action, "command")) {
     return "run " + ShellQuoted(action["command"].at("argv").get<std::vector<std::string>>());
   }
-  if (!Holds(action, "variable")) return "?";
+  if (!HasField(action, "variable")) return "?";
   const Json& variable = action["variable"];
   return "set " + variable.at("device").dump() + '.' + variable.at("variable").dump() + '=' +
-         TextOf(variable, "value");
+         TextField(variable, "value");
 }
 
 }  // namespace
 
 std::string EventName(const Json& event) {
-  return "event " + event.at("id").dump() + ' ' + Quoted(TextOf(event, "description"));
+  return "event " + event.at("id").dump() + ' ' + Quoted(TextField(event, "description"));
 }
 
 std::string EventTimeText(const Json& event) {
-  if (!Holds(event, "time")) return "?";
-  const long spread = event["time"].value("spread", 0L);
+  if (!HasField(event, "time")) return "?";
+  const long spread = NumberField(event["time"], "spread");
   return AtText(event["time"]) + (spread > 0 ? " ±" + MinutesText(spread) : "");
 }
 
 std::string EventRepeatText(const Json& event) {
-  if (!Holds(event, "repeat")) {
-    return event.value("odd", false) ? "in an odd way" : "once on " + TextOf(event, "start");
+  if (!HasField(event, "repeat")) {
+    return "once on " + TextField(event, "start", "?");
   }
   const Json& repeat = event["repeat"];
-  if (!Holds(repeat, "unit")) return "in an odd way";
+  if (!HasField(repeat, "unit")) return "in an odd way";
   std::string text = "every " + EveryText(repeat);
-  if (Holds(repeat, "until")) text += " until " + TextOf(repeat, "until");
+  if (HasField(repeat, "until")) text += " until " + TextField(repeat, "until");
   return text;
 }
 
 std::string EventNextText(const Json& event) {
-  return Holds(event, "next") ? MomentText(TextOf(event, "next")) : "never";
+  return HasField(event, "next") ? MomentText(TextField(event, "next")) : "never";
 }
 
 std::string ProgrammingStateText(const Json& programming) {
@@ -85,16 +77,16 @@ std::string ProgrammingStateText(const Json& programming) {
 }
 
 bool IsAsleep(const Json& programming) {
-  return !programming.value("enabled", true) || Holds(programming, "paused_until");
+  return !FlagField(programming, "enabled", true) || HasField(programming, "paused_until");
 }
 
 std::string ActionWords(const Json& action) {
   std::string when;
-  const std::string on = action.value("on", "event");
+  const std::string on = TextField(action, "on", "event");
   if (on != "event") when = "on " + on;
-  const long delay = action.value("delay", 0L);
+  const long delay = NumberField(action, "delay");
   if (delay > 0) when += (when.empty() ? "" : ", ") + ("after " + SecondsText(delay));
-  if (Holds(action, "if")) {
+  if (HasField(action, "if")) {
     when += (when.empty() ? "" : ", ") + ("if " + ConditionWords(action["if"]));
   }
   return Printable((when.empty() ? "" : when + ": ") + WhatWords(action));

@@ -9,17 +9,12 @@ namespace controller::cli {
 
 namespace {
 
-std::string TextOf(const Json& row, const char* name) {
-  if (!row.contains(name) || !row[name].is_string()) return {};
-  return row[name].get<std::string>();
-}
-
 /// The planned time, where the row was not written at that time.
 std::string PlannedText(const Json& row) {
-  const std::string planned = TextOf(row, "planned");
+  const std::string planned = TextField(row, "planned");
   constexpr std::size_t kToTheMinute = 16;
   if (planned.empty() ||
-      planned.substr(0, kToTheMinute) == TextOf(row, "at").substr(0, kToTheMinute)) {
+      planned.substr(0, kToTheMinute) == TextField(row, "at").substr(0, kToTheMinute)) {
     return {};
   }
   return "planned " + MomentText(planned);
@@ -29,17 +24,17 @@ std::string PlannedText(const Json& row) {
 
 std::string JournalEventText(const Json& row) {
   if (!row.contains("event") || !row["event"].is_number()) return {};
-  const std::string description = TextOf(row, "description");
+  const std::string description = TextField(row, "description");
   return row["event"].dump() + (description.empty() ? "" : ' ' + Quoted(description));
 }
 
 std::string JournalWhatText(const Json& row) {
-  std::vector<std::string> parts = {TextOf(row, "reason"), TextOf(row, "outcome"),
-                                    TextOf(row, "text"), PlannedText(row)};
+  std::vector<std::string> parts = {TextField(row, "reason"), TextField(row, "outcome"),
+                                    TextField(row, "text"), PlannedText(row)};
   if (row.contains("drawn") && row["drawn"].is_number() && row["drawn"] != 0) {
     parts.push_back("drawn " + row["drawn"].dump() + " minutes");
   }
-  const std::string actor = TextOf(row, "actor");
+  const std::string actor = TextField(row, "actor");
   if (!actor.empty()) parts.push_back("by " + actor);
   std::string text;
   for (const std::string& part : parts) {
@@ -49,8 +44,8 @@ std::string JournalWhatText(const Json& row) {
 }
 
 Style JournalStyle(const Json& row) {
-  const std::string kind = TextOf(row, "kind");
-  const std::string outcome = TextOf(row, "outcome");
+  const std::string kind = TextField(row, "kind");
+  const std::string outcome = TextField(row, "outcome");
   if (kind == "missed" || outcome == "failed" || outcome == "timed-out") return Style::kBad;
   if (kind == "held" || kind == "clock") return Style::kWarning;
   if (kind == "fired") return Style::kGood;

@@ -29,9 +29,15 @@ TEST(EventText, KnowsEventsThatComeOnceOrNeverOrAreOdd) {
   EXPECT_EQ(EventTimeText(once), "07:30");
   EXPECT_EQ(EventRepeatText(once), "once on 2026-11-20");
   EXPECT_EQ(EventNextText(once), "never");
-  const Json odd = Json::parse(R"({"id": 2, "odd": true, "start": "2026-11-20"})");
+  const Json odd = Json::parse(R"({"id": 2, "odd": true, "start": null, "next": null,
+      "time": {"base": null, "minutes": 5, "spread": 0}, "repeat": {"unit": null, "every": 0}})");
   EXPECT_EQ(EventRepeatText(odd), "in an odd way");
-  EXPECT_EQ(EventTimeText(odd), "?");
+  EXPECT_EQ(EventTimeText(odd), "?+5");
+  EXPECT_EQ(EventTimeText(Json::object()), "?");
+  const Json odder = Json::parse(R"({"id": 3, "odd": true, "start": null,
+      "repeat": {"unit": "month", "every": -1, "nth": {"week": 9, "weekday": null}, "until": null}})");
+  EXPECT_EQ(EventRepeatText(odder), "every -1 months on the ? ?");
+  EXPECT_EQ(EventRepeatText(Json::parse(R"({"repeat": null})")), "once on ?");
 }
 
 TEST(EventText, TellsWhatKeepsAnEventFromActing) {

@@ -77,7 +77,8 @@ TEST(Every, SaysWhatIsWrongAndWhere) {
        "5th"},
       {"month on the 15th", "\"15th\" is no week of the month", "15th"},
       {"month on the 2nd", "a day of the week is missing", ""},
-      {"month on the 2nd tue wed", "\"wed\" is too much here; leave it out: it ends with the weekday", "wed"},
+      {"month on the 2nd tue wed",
+       "\"wed\" is too much here; leave it out: it ends with the weekday", "wed"},
       {"3 days please", "\"please\" is too much here", "please"},
       {"once more", "\"more\" is too much here; leave it out: once stands alone", "more"},
   };
