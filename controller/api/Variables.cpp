@@ -23,8 +23,7 @@ void ListVariables(ApiContext& api, const HttpRequest& request, const Respond& r
 
 /// The place is kept with the project, and its variables follow it.
 void RefusePlace(unsigned long device, unsigned long variable) {
-  if (device != kProjectDevice) return;
-  if (variable != kLatitudeVariable && variable != kLongitudeVariable) return;
+  if (!IsPlaceVariable(device, variable)) return;
   throw Problem("invalid", "variable " + std::to_string(variable) + " of device " +
                                std::to_string(device) +
                                " is the place of the house; change \"place\" of /project");

@@ -1,5 +1,6 @@
 #include "controller/programming/ActionReader.h"
 
+#include "controller/ProjectVariables.h"
 #include "controller/json/ShownJson.h"
 #include "controller/programming/HookRules.h"
 #include "controller/programming/Placeholders.h"
@@ -173,6 +174,11 @@ VariableAction ActionReader::ReadVariable(const json& value, const std::string& 
       fields.Whole("variable", Need::kDemanded, 0, kMostVariable).value_or(0));
   read.value = fields.Text("value", Need::kDemanded, 0, kMostValueCharacters).value_or("");
   CheckPlaceholders(read.value, fields.PointerTo("value"));
+  if (IsPlaceVariable(read.device, read.variable)) {
+    fields.Complain("variable", "is " + std::to_string(read.variable) +
+                                    " of device 1, the place of the house, which no action sets; "
+                                    "give another");
+  }
   fields.NoOthers();
   return read;
 }

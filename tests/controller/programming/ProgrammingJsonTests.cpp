@@ -137,6 +137,9 @@ TEST(ProgrammingJson, RefusesActionsThatCannotBe) {
        "/a/command/timeout is 0; give a whole number, 1 to 3600"},
       {R"({"variable": {"device": -1, "variable": 1, "value": ""}})",
        "/a/variable/device is -1; give a whole number, 0 to 4294967295"},
+      {R"({"variable": {"device": 1, "variable": 1001, "value": "52"}})",
+       "/a/variable/variable is 1001 of device 1, the place of the house, which no action sets; "
+       "give another"},
       {R"({"variable": {"device": 1, "variable": 1}})",
        "/a/variable/value is missing; give a text of at most 1000 characters"},
       {R"({"variable": {"device": 1, "variable": 1, "value": 1}})",
