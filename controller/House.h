@@ -123,7 +123,8 @@ class House {
   virtual void WorkByHand(unsigned long eventId, const std::vector<Trigger>& triggers,
                           const std::string& actor,
                           std::function<void(std::int64_t journalRow)> begun) = 0;
-  virtual void TryAction(const Action& action, unsigned long eventId,
+  /// Does it now, without its delay, and tells what came of it.
+  virtual void TryAction(const Action& action, unsigned long eventId, const std::string& actor,
                          std::function<void(const ActionOutcome&)> done) = 0;
   virtual void ChangeProject(const ProjectPatch& patch, const std::string& actor, Saved saved) = 0;
   /// Puts `xml` in the place of the schedule; the one before is put aside. Throws a `Failure` where

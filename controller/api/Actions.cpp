@@ -59,12 +59,13 @@ void TestAction(ApiContext& api, const HttpRequest& request, const Respond& resp
     throw Problem("invalid", "/event " + detail, {{"/event", detail}});
   }
   CheckRole(api.house, request, tried);
-  api.house.TryAction(tried.action, tried.event, [respond](const ActionOutcome& outcome) {
-    respond(JsonAnswer(nlohmann::ordered_json{{"outcome", OutcomeName(outcome.kind)},
-                                              {"detail", ValidUtf8(outcome.detail)},
-                                              {"output", ValidUtf8(outcome.output)},
-                                              {"milliseconds", outcome.milliseconds}}));
-  });
+  api.house.TryAction(
+      tried.action, tried.event, request.actor, [respond](const ActionOutcome& outcome) {
+        respond(JsonAnswer(nlohmann::ordered_json{{"outcome", OutcomeName(outcome.kind)},
+                                                  {"detail", ValidUtf8(outcome.detail)},
+                                                  {"output", ValidUtf8(outcome.output)},
+                                                  {"milliseconds", outcome.milliseconds}}));
+      });
 }
 
 nlohmann::ordered_json RunningJson(const RunningAction& action) {

@@ -83,7 +83,7 @@ class Controller final : public House,
   void WorkByHand(unsigned long eventId, const std::vector<Trigger>& triggers,
                   const std::string& actor,
                   std::function<void(std::int64_t journalRow)> begun) override;
-  void TryAction(const Action& action, unsigned long eventId,
+  void TryAction(const Action& action, unsigned long eventId, const std::string& actor,
                  std::function<void(const ActionOutcome&)> done) override;
   void SetHostVariable(unsigned long device, unsigned long variable,
                        const std::string& value) override;
@@ -164,6 +164,8 @@ class Controller final : public House,
 
   // Recording (ControllerFirings.cpp, ControllerEvents.cpp).
   JournalRow NewRow(const std::string& kind, const std::string& reason);
+  JournalRow ActionRow(const FiringFacts& facts, const Action& action, const ActionOutcome& outcome,
+                       const std::string& reason);
   void Record(JournalRow row, Committer::OnSaved more = {});
   void Act(const FiringDecision& decision, std::int64_t row);
   void RunActions(const FiringFacts& facts, const std::vector<Trigger>& triggers);

@@ -185,30 +185,38 @@ void Controller::SetVariable(const VariableAction& action) {
 
 void Controller::SetHostVariable(unsigned long device, unsigned long variable,
                                  const std::string& value) {
-  if (device == kProjectDevice &&
-      (variable == kLatitudeVariable || variable == kLongitudeVariable)) {
+  if (IsPlaceVariable(device, variable)) {
     return Log::Warning("the place of the house is no variable to be set; change the project");
   }
   host_.SetVariable(device, variable, value);
 }
 
-void Controller::OnActionEnded(const FiringFacts& facts, const Action& action,
-                               const ActionOutcome& outcome) {
-  ++counters_.actions[OutcomeName(outcome.kind)];
-  JournalRow row = NewRow("action", TriggerName(action.on));
+JournalRow Controller::ActionRow(const FiringFacts& facts, const Action& action,
+                                 const ActionOutcome& outcome, const std::string& reason) {
+  JournalRow row = NewRow("action", reason);
   row.event = facts.eventId;
   row.description = facts.description;
-  row.planned = facts.planned;
   row.outcome = OutcomeName(outcome.kind);
-  row.text = ActionText(action) + ": " + outcome.detail;
+  const bool done = outcome.kind == ActionOutcome::Kind::kDone;
+  // Of a variable the outcome says it all, with what was put in for the placeholders.
+  const bool saysAll = done && std::holds_alternative<VariableAction>(action.what);
+  row.text = saysAll ? outcome.detail : ActionText(action) + ": " + outcome.detail;
   if (!outcome.output.empty()) {
     row.after = nlohmann::json{{"output", outcome.output}}.dump(
         -1, ' ', false, nlohmann::json::error_handler_t::replace);
   }
-  const bool good =
-      outcome.kind == ActionOutcome::Kind::kDone || outcome.kind == ActionOutcome::Kind::kCondition;
-  Log::Write(good ? LogLevel::kInfo : LogLevel::kError,
-             EventName(facts.eventId, facts.description) + ": " + row.text);
+  const bool good = done || outcome.kind == ActionOutcome::Kind::kCondition;
+  const std::string whose =
+      row.event == 0 ? "an action of no event" : EventName(row.event, row.description);
+  Log::Write(good ? LogLevel::kInfo : LogLevel::kError, whose + ": " + row.text);
+  return row;
+}
+
+void Controller::OnActionEnded(const FiringFacts& facts, const Action& action,
+                               const ActionOutcome& outcome) {
+  ++counters_.actions[OutcomeName(outcome.kind)];
+  JournalRow row = ActionRow(facts, action, outcome, TriggerName(action.on));
+  row.planned = facts.planned;
   Record(std::move(row));
 }
 
@@ -243,12 +251,19 @@ void Controller::WorkByHand(unsigned long eventId, const std::vector<Trigger>& t
                  [this, work](const std::string&) { queue_.Post(work); });
 }
 
-void Controller::TryAction(const Action& action, unsigned long eventId,
+void Controller::TryAction(const Action& action, unsigned long eventId, const std::string& actor,
                            std::function<void(const ActionOutcome&)> done) {
   const EventElement* event = desk_.Catalog().Find(*scheduler_, eventId);
   const std::time_t now = std::time(nullptr);
-  runner_->Try(action, {eventId, event == nullptr ? "" : event->description, now, now, 0},
-               std::move(done));
+  const FiringFacts facts{eventId, event == nullptr ? "" : event->description, now, now, 0};
+  runner_->Try(action, facts,
+               [this, action, facts, actor, done = std::move(done)](const ActionOutcome& outcome) {
+                 // What was tried was done: a command has run, whoever wanted it.
+                 JournalRow row = ActionRow(facts, action, outcome, "by-hand");
+                 row.actor = actor;
+                 Record(std::move(row));
+                 done(outcome);
+               });
 }
 
 }  // namespace controller

@@ -114,8 +114,9 @@ void FakeHouse::WorkByHand(unsigned long, const std::vector<Trigger>& triggers,
   waiting_.emplace_back([begun = std::move(begun)] { begun(812); });
 }
 
-void FakeHouse::TryAction(const Action&, unsigned long,
+void FakeHouse::TryAction(const Action&, unsigned long, const std::string& actor,
                           std::function<void(const ActionOutcome&)> done) {
+  actors.push_back(actor);
   waiting_.emplace_back([done = std::move(done)] {
     done({ActionOutcome::Kind::kDone, "200 OK", "a\xFFz", 12});
   });

@@ -67,7 +67,7 @@ class FakeHouse final : public controller::House {
                       const std::string& actor, Saved saved) override;
   void WorkByHand(unsigned long eventId, const std::vector<controller::Trigger>& triggers,
                   const std::string& actor, std::function<void(std::int64_t)> begun) override;
-  void TryAction(const controller::Action& action, unsigned long eventId,
+  void TryAction(const controller::Action& action, unsigned long eventId, const std::string& actor,
                  std::function<void(const controller::ActionOutcome&)> done) override;
   void ChangeProject(const controller::ProjectPatch& patch, const std::string& actor,
                      Saved saved) override;

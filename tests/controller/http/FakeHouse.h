@@ -43,7 +43,7 @@ class FakeHouse final : public controller::House {
                   std::function<void(std::int64_t)>) override {
     No();
   }
-  void TryAction(const controller::Action&, unsigned long,
+  void TryAction(const controller::Action&, unsigned long, const std::string&,
                  std::function<void(const controller::ActionOutcome&)>) override {
     No();
   }

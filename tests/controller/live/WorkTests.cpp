@@ -113,16 +113,20 @@ TEST(Work, ByHandAnEventDoesWhatIsAskedFor) {
   EXPECT_EQ(fired[0].actor, "ada");
 }
 
-TEST(Work, AnActionIsTriedWithoutAnyTrace) {
+TEST(Work, AnActionIsTriedInTheNameOfWhoWantedIt) {
   const TempFolder folder;
   LiveHouse house;
   std::optional<ActionOutcome> outcome;
-  house.Get().TryAction(Writes(folder / "done").actions[0], 0,
+  house.Get().TryAction(Writes(folder / "done").actions[0], 0, "ada",
                         [&outcome](const ActionOutcome& ended) { outcome = ended; });
   EXPECT_FALSE(outcome);
-  ASSERT_TRUE(house.Until([&] { return outcome.has_value(); }));
+  ASSERT_TRUE(house.Until([&] { return !house.Rows("action").empty(); }));
+  ASSERT_TRUE(outcome);
   EXPECT_EQ(outcome->kind, ActionOutcome::Kind::kDone) << outcome->detail;
-  EXPECT_TRUE(house.Rows("action").empty());
+  const JournalRow row = house.Rows("action")[0];
+  EXPECT_EQ(row.actor + ' ' + row.reason + ' ' + row.outcome, "ada by-hand done");
+  EXPECT_EQ(row.text, "runs sh: exit status 0");
+  EXPECT_FALSE(row.planned) << "it was not planned";
 }
 
 TEST(Work, AnActionSetsAVariableOfTheHouseButNotItsPlace) {
