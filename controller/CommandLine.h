@@ -21,6 +21,7 @@ void AddServeCommand(CLI::App& app, CommandRun& run);
 void AddImportCommand(CLI::App& app, CommandRun& run);
 void AddExportCommand(CLI::App& app, CommandRun& run);
 void AddPlayCommand(CLI::App& app, CommandRun& run);
+void AddSimulateCommand(CLI::App& app, CommandRun& run);
 void AddTokenCommand(CLI::App& app, CommandRun& run);
 
 /// The last paragraph of the help of a command that works without a running controller.

@@ -20,6 +20,7 @@ void AddCommands(CLI::App& app, CommandRun& run) {
   AddImportCommand(app, run);
   AddExportCommand(app, run);
   AddPlayCommand(app, run);
+  AddSimulateCommand(app, run);
   AddTokenCommand(app, run);
   cli::AddClientCommands(app, run);
   cli::AddPagesCommands(app, run);

@@ -260,6 +260,19 @@ bool FiringDesk::DecideCarried(std::time_t now) {
   return any;
 }
 
+std::optional<std::time_t> FiringDesk::NextCarried() const {
+  std::optional<std::time_t> next;
+  for (const Missed& each : carried_) {
+    if (!next || *each.occurrence.due < *next) next = each.occurrence.due;
+  }
+  return next;
+}
+
+bool FiringDesk::HasCarriedOf(const DayFields& day) const {
+  return std::any_of(carried_.begin(), carried_.end(),
+                     [&day](const Missed& each) { return each.date <= day; });
+}
+
 void FiringDesk::CloseDay(std::time_t now) {
   const std::time_t midnight = LocalInstant(DaysAfter(plan_.Date(), 1), 0, 0);
   for (PlannedOccurrence occurrence : plan_.InOrder()) {

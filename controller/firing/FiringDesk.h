@@ -63,6 +63,11 @@ class FiringDesk {
   DayPlan& Plan() { return plan_; }
   const DayPlan& Plan() const { return plan_; }
 
+  /// When the next of those is due whose time falls past the end of their day.
+  std::optional<std::time_t> NextCarried() const;
+  /// Whether any of them belongs to this day or one before.
+  bool HasCarriedOf(const DayFields& day) const;
+
   /// How far everything that fell due has been decided.
   std::time_t AccountedUntil() const { return accountedUntil_; }
 
