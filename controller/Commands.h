@@ -27,6 +27,10 @@ struct ServeOptions {
   std::vector<std::string> allowedHosts;
   /// Whether to listen at all.
   bool http = true;
+  /// Where what the scheduler is called with is recorded; nothing: it is not.
+  std::optional<std::filesystem::path> record;
+  /// Where what the scheduler itself has called is written, beside a record.
+  std::optional<std::filesystem::path> transcript;
 };
 
 /// `vexalink import`: what was asked for.

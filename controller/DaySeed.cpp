@@ -22,8 +22,12 @@ DaySeed::DaySeed(std::string projectId) : projectId_(std::move(projectId)) {}
 
 void DaySeed::Seed() {
   seededFor_ = TodaysDate();
-  std::srand(SeedOfDay(projectId_, seededFor_));
+  const unsigned int value = SeedOfDay(projectId_, seededFor_);
+  std::srand(value);
+  if (onSeed_) onSeed_(value);
 }
+
+unsigned int DaySeed::ValueToday() const { return SeedOfDay(projectId_, TodaysDate()); }
 
 void DaySeed::SeedOnNewDay() {
   if (TodaysDate() != seededFor_) Seed();

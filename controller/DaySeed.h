@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace controller {
 
@@ -17,9 +19,14 @@ class DaySeed {
   void Seed();
   /// Seeds if the local date is another than at the last seeding: before each tick.
   void SeedOnNewDay();
+  /// What `Seed` would seed with now.
+  unsigned int ValueToday() const;
+  /// Is told each value that was seeded.
+  void SetOnSeed(std::function<void(unsigned int value)> onSeed) { onSeed_ = std::move(onSeed); }
 
  private:
   std::string projectId_;
+  std::function<void(unsigned int value)> onSeed_;
   int seededFor_ = 0;
 };
 

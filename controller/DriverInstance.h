@@ -7,16 +7,22 @@
 
 #include "controller/DriverLoader.h"
 #include "controller/HostMessages.h"
+#include "controller/ICallRecorder.h"
 #include "host/IDriver.h"
 #include "host/IInstanceManager.h"
 
 namespace controller {
 
-/// One driver from its creation to its destruction. The loader and the manager must outlive it.
+/// One driver from its creation to its destruction. The loader, the manager and the recorder, which
+/// may be null, must outlive it.
 class DriverInstance {
  public:
   /// Creates the driver; throws a `Failure` where its library does not.
-  DriverInstance(const DriverLoader& loader, IInstanceManager& manager);
+  DriverInstance(const DriverLoader& loader, IInstanceManager& manager,
+                 ICallRecorder* recorder = nullptr);
+  ~DriverInstance();
+  DriverInstance(const DriverInstance&) = delete;
+  DriverInstance& operator=(const DriverInstance&) = delete;
 
   /// Initialises the driver with an empty configuration and the text that `PersistText` answered in
   /// an earlier life, if any. Throws a `Failure` for a text that does not parse, before the driver
@@ -29,12 +35,18 @@ class DriverInstance {
                                      const CommandMessage::Params& params = {});
   /// Whether a condition holds, by the driver's opinion.
   bool Test(const std::string& name, const CommandMessage::Params& params);
+  /// The lowest id of an event with this description, 0 where there is none; nothing where the
+  /// driver has not the scheduler's interface, which tells.
+  std::optional<unsigned long> IdOfDescription(const std::string& description);
   /// What the driver wants to find again, as XML; nothing where it keeps nothing.
   std::optional<std::string> PersistText();
 
   IDriver& Driver() const { return *driver_; }
 
  private:
+  std::unique_ptr<IDriver> Create(const DriverLoader& loader, IInstanceManager& manager);
+
+  ICallRecorder* recorder_;
   std::unique_ptr<IDriver> driver_;
 };
 

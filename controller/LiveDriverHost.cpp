@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "controller/Clock.h"
 #include "controller/HostMessages.h"
 #include "controller/Log.h"
 #include "host/VxBaseDriver.h"
@@ -10,6 +11,14 @@ namespace controller {
 
 LiveDriverHost::LiveDriverHost(event_base* base, DaySeed& seed, IHostObserver& observer)
     : seed_(seed), observer_(observer), timers_(base) {}
+
+void LiveDriverHost::SetRecorder(ICallRecorder& recorder) {
+  recorder_ = &recorder;
+  seed_.SetOnSeed([&recorder](unsigned int value) { recorder.OnSeed(value); });
+  recorder.SetAnswers([this] {
+    return ICallRecorder::HostAnswers{variables_, seed_.ValueToday()};
+  });
+}
 
 void LiveDriverHost::SetVariable(unsigned long device, unsigned long variable,
                                  const std::string& value) {
@@ -21,9 +30,10 @@ void LiveDriverHost::SetVariable(unsigned long device, unsigned long variable,
     const bool still = std::any_of(listeners_.begin(), listeners_.end(), [&](const Listener& now) {
       return now.callback == told.callback && now.variable == changed;
     });
-    if (told.variable == changed && still) {
-      told.callback->OnVariableChanged(device, variable, value);
-    }
+    if (told.variable != changed || !still) continue;
+    if (recorder_ != nullptr) recorder_->OnVariable(device, variable, value);
+    told.callback->OnVariableChanged(device, variable, value);
+    if (recorder_ != nullptr) recorder_->OnReturned();
   }
 }
 
@@ -53,14 +63,26 @@ void* LiveDriverHost::FindQuery(const char* iid) {
 
 unsigned long LiveDriverHost::AddTimer(VxBaseDriver& driver, unsigned long intervalMilliseconds,
                                        unsigned int) {
-  const unsigned long id = timers_.Add(intervalMilliseconds, [this, &driver](unsigned long timer) {
-    if (!observer_.OnTickBegins(driver)) return;
-    seed_.SeedOnNewDay();
-    driver.OnTimerExpired(timer, 0);
-    observer_.OnTickEnded(driver);
-  });
+  const unsigned long id = timers_.Add(
+      intervalMilliseconds, [this, &driver](unsigned long timer) { Tick(driver, timer); });
   if (id != 0) timerOwners_[id] = &driver;
   return id;
+}
+
+void LiveDriverHost::Tick(VxBaseDriver& driver, unsigned long timer) {
+  if (!observer_.OnTickBegins(driver)) return;
+  if (recorder_ == nullptr) {
+    seed_.SeedOnNewDay();
+    driver.OnTimerExpired(timer, 0);
+  } else {
+    // It is seeded for the day in which the tick is.
+    const ClockScope sameMoment(Clock::Now());
+    seed_.SeedOnNewDay();
+    recorder_->OnTick();
+    driver.OnTimerExpired(timer, 0);
+    recorder_->OnReturned();
+  }
+  observer_.OnTickEnded(driver);
 }
 
 void LiveDriverHost::KillTimer(VxBaseDriver& driver, unsigned long timerId) {

@@ -7,6 +7,7 @@
 
 #include "controller/DaySeed.h"
 #include "controller/DriverTimers.h"
+#include "controller/ICallRecorder.h"
 #include "controller/IHostObserver.h"
 #include "framework/IDriverHost.h"
 #include "host/IInstanceManager.h"
@@ -24,6 +25,9 @@ class LiveDriverHost final : public IInstanceManager, public vx::IDriverHost {
   LiveDriverHost(event_base* base, DaySeed& seed, IHostObserver& observer);
   LiveDriverHost(const LiveDriverHost&) = delete;
   LiveDriverHost& operator=(const LiveDriverHost&) = delete;
+
+  /// Whatever the host calls on a driver is told to the recorder, which must outlive it.
+  void SetRecorder(ICallRecorder& recorder);
 
   /// Sets a variable and tells its listeners. From the loop only.
   void SetVariable(unsigned long device, unsigned long variable, const std::string& value);
@@ -74,10 +78,13 @@ class LiveDriverHost final : public IInstanceManager, public vx::IDriverHost {
     std::string bindingClass;
   };
 
+  void Tick(VxBaseDriver& driver, unsigned long timer);
+
   DaySeed& seed_;
   IHostObserver& observer_;
   DriverTimers timers_;
   std::map<unsigned long, const IDriver*> timerOwners_;
+  ICallRecorder* recorder_ = nullptr;
   std::map<Variable, std::string> variables_;
   std::vector<Listener> listeners_;
   std::map<std::pair<const IDriver*, unsigned long>, Binding> bindings_;

@@ -1,25 +1,24 @@
 #include "controller/PlayHost.h"
 
+#include <cstdlib>
+
 #include "controller/HostMessages.h"
-#include "framework/XmlText.h"
 
 namespace controller {
 
-using Line = nlohmann::ordered_json;
-
-void PlayHost::Write(const Line& line) {
+void PlayHost::Write(const TranscriptLine& line) {
   if (muted_) return;
-  out_ << line.dump(-1, ' ', false, Line::error_handler_t::replace) << '\n';
+  out_ << transcript::Text(line) << '\n';
 }
 
 int PlayHost::RegisterQuery(const char* iid, void* object) {
-  Write({{"call", "RegisterQuery"}, {"iid", iid}, {"result", registerQueryResult_}});
+  Write(transcript::RegisterQuery(iid, registerQueryResult_));
   if (registerQueryResult_ != 0) queries_[iid] = object;
   return registerQueryResult_;
 }
 
 void PlayHost::UnregisterQuery(const char* iid) {
-  Write({{"call", "UnregisterQuery"}, {"iid", iid}});
+  Write(transcript::UnregisterQuery(iid));
   queries_.erase(iid);
 }
 
@@ -31,81 +30,72 @@ void* PlayHost::FindQuery(const char* iid) {
 unsigned long PlayHost::AddTimer(VxBaseDriver&, unsigned long intervalMilliseconds,
                                  unsigned int kind) {
   ++lastTimer_;
-  Write({{"call", "AddTimer"},
-         {"interval", intervalMilliseconds},
-         {"second", kind},
-         {"result", lastTimer_}});
+  Write(transcript::AddTimer(intervalMilliseconds, kind, lastTimer_));
   return lastTimer_;
 }
 
 void PlayHost::KillTimer(VxBaseDriver&, unsigned long timerId) {
-  Write({{"call", "KillTimer"}, {"timer", timerId}});
+  Write(transcript::KillTimer(timerId));
 }
 
 void PlayHost::VmRegisterListener(VxBaseDriver&, unsigned long device, unsigned long variable,
                                   IVariableCallback& listener) {
-  Write({{"call", "VmRegisterListener"}, {"device", device}, {"variable", variable}});
+  Write(transcript::VmRegisterListener(device, variable));
   const auto found = variables_.find({device, variable});
   if (found != variables_.end()) listener.OnVariableChanged(device, variable, found->second);
+  if (seed_) std::srand(*seed_);
 }
 
 void PlayHost::VmUnregisterListener(VxBaseDriver&, unsigned long device, unsigned long variable,
                                     IVariableCallback&) {
-  Write({{"call", "VmUnregisterListener"}, {"device", device}, {"variable", variable}});
+  Write(transcript::VmUnregisterListener(device, variable));
 }
 
 int PlayHost::RegisterBinding(VxBaseDriver&, unsigned long bindingId, int type,
                               const std::string& name) {
-  Write({{"call", "RegisterBinding"},
-         {"id", bindingId},
-         {"type", type},
-         {"name", name},
-         {"result", registerBindingResult_}});
+  Write(transcript::RegisterBinding(bindingId, type, name, registerBindingResult_));
   return registerBindingResult_;
 }
 
 void PlayHost::RegisterBindingClass(VxBaseDriver&, unsigned long bindingId,
                                     const std::string& bindingClass) {
-  Write({{"call", "RegisterBindingClass"}, {"id", bindingId}, {"class", bindingClass}});
+  Write(transcript::RegisterBindingClass(bindingId, bindingClass));
 }
 
 void PlayHost::UnregisterBinding(VxBaseDriver&, unsigned long bindingId) {
-  Write({{"call", "UnregisterBinding"}, {"id", bindingId}});
+  Write(transcript::UnregisterBinding(bindingId));
 }
 
 void PlayHost::FireEvent(VxBaseDriver&, unsigned long eventId) {
-  Write({{"call", "FireEvent"}, {"event", eventId}});
+  Write(transcript::FireEvent(eventId));
 }
 
 vx::auto_com<IBindMessage> PlayHost::CreateBindMessage(VxBaseDriver&) {
-  Write({{"call", "CreateBindMessage"}});
+  Write(transcript::CreateBindMessage());
   return vx::auto_com<IBindMessage>(givesBindMessage_ ? new BindMessage : nullptr);
 }
 
 void PlayHost::SendBoundCall(VxBaseDriver&, unsigned long bindingId, const IBindMessage& message,
                              ICmdReturn*) {
-  Write({{"call", "SendBoundCall"},
-         {"binding", bindingId},
-         {"command", message.GetCommand()},
-         {"argument", message.GetArgument()}});
+  Write(transcript::SendBoundCall(bindingId, message));
 }
 
 void PlayHost::ConSendDataToUI(VxBaseDriver&, const VxXML::INode& data) {
-  Write({{"call", "ConSendDataToUI"}, {"xml", vx::WriteXml(data, vx::XmlStyle::kTranscript)}});
+  Write(transcript::ConSendDataToUI(data));
 }
 
-void PlayHost::DmInvalidateState(VxBaseDriver&) { Write({{"call", "DmInvalidateState"}}); }
+void PlayHost::DmInvalidateState(VxBaseDriver&) { Write(transcript::DmInvalidateState()); }
 
 void PlayHost::EmRemoveByOwner(VxBaseDriver&, unsigned long ownerId, int kind) {
-  Write({{"call", "EmRemoveByOwner"}, {"owner", ownerId}, {"kind", kind}});
+  Write(transcript::EmRemoveByOwner(ownerId, kind));
 }
 
 void PlayHost::LogMessage(VxBaseDriver&, unsigned int level, const char* text) {
-  Write({{"call", "LogMessage"}, {"level", level}, {"text", text}});
+  Write(transcript::LogMessage(level, text));
 }
 
 void PlayHost::OnAssert(const char* file, int line, const vx::StackTrace&) {
-  Write({{"call", "AssertWrite"}, {"file", file}, {"line", line}});
+  Write(transcript::AssertWrite(file, line));
 }
 
 }  // namespace controller

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <map>
-#include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <utility>
 
+#include "controller/TranscriptLines.h"
 #include "framework/AssertSink.h"
 #include "framework/IDriverHost.h"
 #include "host/IInstanceManager.h"
@@ -20,7 +21,7 @@ class PlayHost final : public vx::IDriverHost, public IInstanceManager, public v
   explicit PlayHost(std::ostream& out) : out_(out) {}
 
   /// One line of the transcript.
-  void Write(const nlohmann::ordered_json& line);
+  void Write(const TranscriptLine& line);
   /// From now on nothing is written: the scenario is over.
   void Mute() { muted_ = true; }
 
@@ -31,6 +32,9 @@ class PlayHost final : public vx::IDriverHost, public IInstanceManager, public v
   /// The values, by device and variable, that registering a listener delivers at once.
   using Variables = std::map<std::pair<unsigned long, unsigned long>, std::string>;
   void DeliverOnRegistration(Variables variables) { variables_ = std::move(variables); }
+  /// What registering a listener seeds the C library's generator with, after its value was
+  /// delivered; nothing: it does not.
+  void SeedOnRegistration(std::optional<unsigned int> seed) { seed_ = seed; }
 
   /// The id of the timer that was last armed; 0 before the first.
   unsigned long LastTimer() const { return lastTimer_; }
@@ -74,6 +78,7 @@ class PlayHost final : public vx::IDriverHost, public IInstanceManager, public v
   int registerQueryResult_ = 1;
   bool givesBindMessage_ = true;
   Variables variables_;
+  std::optional<unsigned int> seed_;
   std::map<std::string, void*> queries_;
   unsigned long lastTimer_ = 0;
 };

@@ -128,7 +128,10 @@ void SetHostAnswer(const ScenarioAction& action, PlayHost* host) {
   } else if (call == "CreateBindMessage") {
     host->AnswerCreateBindMessage(AnswersWithMessage(result));
   } else if (call == "VmRegisterListener") {
+    std::optional<unsigned int> seed;
+    if (action.Has("seed")) seed = static_cast<unsigned int>(action.Integer("seed"));
     host->DeliverOnRegistration(ToVariables(result));
+    host->SeedOnRegistration(seed);
   } else {
     UnknownCall("host operation whose answer can be set", call);
   }

@@ -20,9 +20,8 @@ vx::auto_com<VxXML::IDocument> ParseXml(const std::string& text, const char* key
   throw ScenarioError('"' + std::string(key) + "\" is not well-formed XML: " + vx::LastXmlError());
 }
 
-nlohmann::json Shown(const vx::auto_com<VxXML::INode>& node) {
-  if (!node) return nullptr;
-  return vx::WriteXml(*node, vx::XmlStyle::kTranscript);
+nlohmann::ordered_json Shown(const vx::auto_com<VxXML::INode>& node) {
+  return transcript::Shown(node.get());
 }
 
 }  // namespace

@@ -65,6 +65,18 @@ void AddPlaceOptions(CLI::App& command, ServeLine& line) {
   longitude->needs(latitude)->type_name("DEGREES");
 }
 
+void AddRecordOptions(CLI::App& command, ServeOptions& options) {
+  auto* record = command.add_option(
+      "--record", options.record,
+      "Record what the scheduler is called with, so that vexalink play can play it again");
+  record->type_name("FILE");
+  command
+      .add_option("--record-transcript", options.transcript,
+                  "Write beside it what play should answer")
+      ->needs(record)
+      ->type_name("FILE");
+}
+
 }  // namespace
 
 void AddServeCommand(CLI::App& app, CommandRun& run) {
@@ -88,6 +100,7 @@ void AddServeCommand(CLI::App& app, CommandRun& run) {
   command->add_flag("!--no-http", line->options.http, "Serve neither page nor API");
   command->add_flag("--trust-clock", line->options.trustClock,
                     "Start at once, also where the clock is behind the journal's newest entry");
+  AddRecordOptions(*command, line->options);
   command->add_option("--log-level", line->logLevel, "error, warning, info (default) or debug")
       ->type_name("LEVEL");
   command->footer(

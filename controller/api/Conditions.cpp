@@ -1,6 +1,5 @@
 // /conditions/test: whether a condition holds now, and why.
 
-#include "controller/HostMessages.h"
 #include "controller/api/ApiContext.h"
 #include "controller/json/ObjectReader.h"
 #include "controller/programming/ProgrammingJson.h"
@@ -24,9 +23,9 @@ Condition ReadTested(const HttpRequest& request) {
 void TestCondition(ApiContext& api, const HttpRequest& request, const Respond& respond) {
   NoQuery(request);
   const Condition condition = ReadTested(request);
-  const ConditionMessage message(condition.name, {{"CONDITIONAL_XML", condition.xml}});
   const std::time_t now = std::time(nullptr);
-  const bool holds = api.house.Scheduler().Driver().TestCondition(message, nullptr);
+  const bool holds =
+      api.house.Scheduler().Test(condition.name, {{"CONDITIONAL_XML", condition.xml}});
   respond(JsonAnswer(nlohmann::ordered_json{{"result", holds},
                                             {"text", ConditionText(condition)},
                                             {"because", ConditionBecause(condition, now)},

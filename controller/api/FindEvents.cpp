@@ -4,7 +4,6 @@
 #include "controller/api/ApiContext.h"
 #include "controller/api/EventJson.h"
 #include "controller/api/EventProbe.h"
-#include "vexalink_agent_scheduler/vxw/IAgentScheduler.h"
 
 namespace controller {
 
@@ -12,10 +11,7 @@ namespace {
 
 /// The lowest id of an event with this description; 0 where there is none.
 unsigned long IdOfDescription(House& house, const std::string& description) {
-  void* face = nullptr;
-  if (house.Scheduler().Driver().QueryInterface(kAgentSchedulerIid, &face) == 0 && face) {
-    return static_cast<IAgentScheduler*>(face)->GetEventIdByDescription(description);
-  }
+  if (const auto id = house.Scheduler().IdOfDescription(description)) return *id;
   // Another scheduler may not have that face; then all of its events are looked through.
   const auto all = house.Scheduler().Request("GET_ALL_EVENTS");
   const VxXML::INode* event = all ? all->GetFirstChild() : nullptr;

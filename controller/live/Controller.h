@@ -27,6 +27,7 @@
 #include "controller/live/ClockGuard.h"
 #include "controller/live/DeletedEvents.h"
 #include "controller/live/ProgrammingTable.h"
+#include "controller/record/ScenarioRecorder.h"
 
 namespace controller {
 
@@ -198,6 +199,8 @@ class Controller final : public House,
   AssertLog asserts_;
   LoopQueue queue_;
   std::string projectId_;
+  /// Null: nothing is recorded.
+  std::unique_ptr<ScenarioRecorder> recorder_;
   DaySeed seed_;
   LiveDriverHost host_;
   std::unique_ptr<DriverInstance> scheduler_;

@@ -51,6 +51,13 @@ std::size_t BegunActions(const JournalRow& fired, const std::vector<Action>& act
       }));
 }
 
+std::unique_ptr<ScenarioRecorder> MakeRecorder(const ServeOptions& options) {
+  if (!options.record) return nullptr;
+  auto recorder = std::make_unique<ScenarioRecorder>(*options.record, options.transcript);
+  Log::Info("recording to " + Quoted(options.record->string()));
+  return recorder;
+}
+
 constexpr const char* kAccountedUntil = "accounted_until";
 constexpr long kSecondsPerDay = 86400;
 constexpr std::size_t kInterruptedRows = 1000;
@@ -66,6 +73,7 @@ Controller::Controller(ServeOptions options)
       store_(options_.project, ProjectStore::Use::kKeep),
       queue_(base_.get()),
       projectId_(store_.ProjectId()),
+      recorder_(MakeRecorder(options_)),
       seed_(projectId_),
       host_(base_.get(), seed_, *this),
       committer_(
@@ -82,6 +90,7 @@ Controller::Controller(ServeOptions options)
       awayUntil_(ReadDay(store_.Setting("away_until").value_or(""))) {
   Log::Info("project " + Quoted(options_.project.string()) + (store_.IsNew() ? ", new" : ""));
   committer_.SetStamp([this](ProjectStore& store) { WriteStamp(store); });
+  if (recorder_ != nullptr) host_.SetRecorder(*recorder_);
   SetPlace();
   zone_ = TimeZoneText();
   Log::Info("time zone " + zone_);
@@ -170,7 +179,7 @@ void Controller::CreateScheduler(const std::optional<std::string>& persisted, st
   const std::time_t now = std::time(nullptr);
   std::vector<ScheduleTrace> draws;
   if (persisted) draws = Draws(*persisted, from, now);
-  scheduler_ = std::make_unique<DriverInstance>(*loader_, host_);
+  scheduler_ = std::make_unique<DriverInstance>(*loader_, host_, recorder_.get());
   seed_.Seed();
   scheduler_->Initialize(kSchedulerDevice, persisted);
   desk_.Begin(from, now, cause, draws);
