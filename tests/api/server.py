@@ -42,14 +42,18 @@ class Answer:
 
 
 class Controller:
-    """`vexalink serve` on a project of its own and a free port."""
+    """`vexalink serve` on a project of its own and a free port. Requests bring `token` where there
+    is one."""
 
-    def __init__(self, *options, project=None):
+    def __init__(self, *options, start=True):
         self.folder = tempfile.TemporaryDirectory(prefix="vexalink-api-")
-        self.project = project or str(pathlib.Path(self.folder.name) / "project.db")
+        self.project = str(pathlib.Path(self.folder.name) / "project.db")
         self.options = options
+        self.listen = "127.0.0.1:0"
+        self.token = None
         self.process = None
-        self.start()
+        if start:
+            self.start()
 
     def start(self):
         log = pathlib.Path(self.folder.name) / "log"
@@ -57,11 +61,11 @@ class Controller:
         environment.pop("NOTIFY_SOCKET", None)
         with open(log, "wb") as err:
             self.process = subprocess.Popen(
-                [PROGRAM, "serve", "--project", self.project, "--listen", "127.0.0.1:0",
+                [PROGRAM, "serve", "--project", self.project, "--listen", self.listen,
                  "--latitude", "52.5", "--longitude", "13.4", *self.options],
                 stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=err, env=environment)
         end = time.monotonic() + PATIENCE
-        while not (told := re.search(r"api http://127\.0\.0\.1:(\d+)/", log.read_text())):
+        while not (told := re.search(r"api http://[0-9.]+:(\d+)/", log.read_text())):
             if self.process.poll() is not None or time.monotonic() > end:
                 raise AssertionError("the controller has not started:\n" + log.read_text())
             time.sleep(0.01)
@@ -82,7 +86,7 @@ class Controller:
         return self.process.wait(PATIENCE)
 
     def close(self):
-        if self.process.poll() is None:
+        if self.process and self.process.poll() is None:
             self.kill()
         self.folder.cleanup()
 
@@ -96,6 +100,8 @@ class Controller:
             body = json.dumps(body).encode()
         if body is not None and "content-type" not in given:
             headers["Content-Type"] = "application/json"
+        if self.token:
+            headers["Authorization"] = f"Bearer {self.token}"
         connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=PATIENCE)
         try:
             connection.request(method, "/api/v1" + target, body, headers)
