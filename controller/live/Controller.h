@@ -185,7 +185,7 @@ class Controller final : public House,
                        const std::string& actor);
   void PutAsideProgramming(const EventElement& event, const Programming& programming,
                            const std::string& actor);
-  void BringBackProgramming(const std::string& actor);
+  void BringBackProgramming(const std::vector<DeletedEvent>& kept, const std::string& actor);
   std::string EventText(unsigned long eventId) const;
   /// With what it does, where it does anything.
   std::string WholeEventText(unsigned long eventId) const;

@@ -78,6 +78,8 @@ void Controller::TakeSchedule(const std::string& state, const std::string& reaso
                               const std::string& actor, Saved saved) {
   // What is put aside is what is on the disk, so that comes first.
   if (committer_.IsPending()) committer_.SaveNow();
+  // Read before anything is changed: a disk that cannot be read leaves all as it is.
+  const std::vector<DeletedEvent> kept = DeletedEvents::All(store_);
   const std::map<unsigned long, EventElement> before = desk_.Catalog().All();
   BackUpBeforeNextSave(reason);
   {
@@ -94,7 +96,7 @@ void Controller::TakeSchedule(const std::string& state, const std::string& reaso
     if (listener_ != nullptr) listener_->OnScheduleReplaced();
   });
   MoveProgramming(before, actor);
-  BringBackProgramming(actor);
+  BringBackProgramming(kept, actor);
   Finish(std::move(saved));
 }
 
@@ -139,8 +141,9 @@ void Controller::PutAsideProgramming(const EventElement& event, const Programmin
   Record(std::move(row));
 }
 
-void Controller::BringBackProgramming(const std::string& actor) {
-  for (const DeletedEvent& deleted : DeletedEvents::All(store_)) {
+void Controller::BringBackProgramming(const std::vector<DeletedEvent>& kept,
+                                      const std::string& actor) {
+  for (const DeletedEvent& deleted : kept) {
     const EventElement* event = desk_.KnownEvent(deleted.event);
     if (event == nullptr || programming_.All().count(deleted.event) != 0) continue;
     const auto document = ParseXml(deleted.xml, "the deleted event");
