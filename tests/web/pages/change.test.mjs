@@ -39,6 +39,7 @@ test('the first start shows where the house stands, and what comes next', () =>
     await page.locator('.next .name').waitFor();
     const {events} = await house.ask('GET', '/events');
     await page.getByRole('navigation', {name: 'Pages'}).getByRole('link', {name: 'Events'}).click();
+    await page.locator('.events > li').nth(events.length - 1).waitFor();
     assert.equal(await page.locator('.events > li').count(), events.length);
     await page.done();
   }));
