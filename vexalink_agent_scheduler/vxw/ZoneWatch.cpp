@@ -5,7 +5,8 @@
 namespace local_time {
 
 void ZoneMark::Set() {
-  static std::string* const kept = new std::string;  // never destroyed: it may be asked at the end
+  // Goes with the library, which may be unloaded and loaded again in one process.
+  static std::string kept;
   environment_ = environ;
   standardOffset_ = timezone;
   hasDaylight_ = daylight;
@@ -19,9 +20,9 @@ void ZoneMark::Set() {
     if (hasZone_) break;
   }
   if (!hasZone_) return;
-  *kept = entry_;
-  text_ = kept->c_str();
-  size_ = kept->size() + 1;
+  kept = entry_;
+  text_ = kept.c_str();
+  size_ = kept.size() + 1;
 }
 
 void ZoneState::Renew() {
