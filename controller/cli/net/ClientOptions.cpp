@@ -18,6 +18,7 @@ namespace controller::cli {
 namespace {
 
 constexpr std::size_t kLongestToken = 4096;
+constexpr std::size_t kLongestName = 60;
 
 /// Gives back what libcurl takes an address apart with.
 struct UrlFree {
@@ -135,7 +136,12 @@ std::string ClientActor() {
   passwd* found = nullptr;
   std::string name;
   if (getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr) {
-    name = Printable(found->pw_name, 100);
+    name = Printable(found->pw_name);
+  }
+  // The controller takes 64 bytes. Whole characters only.
+  while (name.size() > kLongestName) {
+    while ((name.back() & 0xC0) == 0x80) name.pop_back();
+    name.pop_back();
   }
   return "cli:" + (name.empty() ? std::to_string(user) : name);
 }
