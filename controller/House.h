@@ -100,6 +100,9 @@ class House {
   virtual std::optional<DayFields> AwayUntil() const = 0;
   virtual std::map<std::pair<unsigned long, unsigned long>, std::string> Variables() const = 0;
   virtual const HouseCounters& Counters() const = 0;
+  /// Empty once the scheduler runs, else what is waited for. Until then nothing of the scheduler
+  /// can be asked for or changed.
+  virtual std::string WaitingFor() const = 0;
   /// Empty while saving works, else why it does not.
   virtual std::string SavingTrouble() const = 0;
   virtual std::vector<RunningAction> RunningActions() const = 0;
@@ -140,7 +143,7 @@ class House {
   /// `number` 1 is the newest. False where there is none.
   virtual bool RestoreBackup(std::size_t number, const std::string& actor, Saved saved) = 0;
   virtual void SetHostVariable(unsigned long device, unsigned long variable,
-                               const std::string& value) = 0;
+                               const std::string& value, const std::string& actor) = 0;
 
   /// At most one; null: none any longer. Must outlive the house or be taken away before.
   virtual void SetListener(IHouseListener* listener) = 0;

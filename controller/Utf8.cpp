@@ -1,5 +1,8 @@
 #include "controller/Utf8.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace controller {
 
 namespace {
@@ -34,6 +37,20 @@ Utf8Char DecodeUtf8(std::string_view text, std::size_t position) {
   }
   if (!IsScalar(code, length)) return {};
   return {code, length, true};
+}
+
+bool IsInvisible(char32_t code) {
+  struct Span {
+    char32_t first;
+    char32_t last;
+  };
+  static constexpr Span kSpans[] = {
+      {0x00, 0x20},     {0x7F, 0xA0},     {0xAD, 0xAD},     {0x34F, 0x34F},   {0x61C, 0x61C},
+      {0x115F, 0x1160}, {0x1680, 0x1680}, {0x17B4, 0x17B5}, {0x180B, 0x180F}, {0x2000, 0x200F},
+      {0x2028, 0x202F}, {0x205F, 0x206F}, {0x2800, 0x2800}, {0x3000, 0x3000}, {0x3164, 0x3164},
+      {0xFE00, 0xFE0F}, {0xFEFF, 0xFEFF}, {0xFFA0, 0xFFA0}, {0xFFF0, 0xFFF8}};
+  return std::any_of(std::begin(kSpans), std::end(kSpans),
+                     [code](const Span& span) { return code >= span.first && code <= span.last; });
 }
 
 void AppendUtf8(std::string& out, char32_t code) {

@@ -19,6 +19,11 @@ struct Utf8Char {
 /// surrogates and code points beyond U+10FFFF are not valid.
 Utf8Char DecodeUtf8(std::string_view text, std::size_t position);
 
+/// Whether nothing is to be seen of a code point: spaces of every width, fillers, joiners and marks
+/// of direction (Unicode's White_Space and Default_Ignorable_Code_Point below U+10000, and the
+/// blank of Braille).
+bool IsInvisible(char32_t code);
+
 /// Appends the UTF-8 form of a valid code point.
 void AppendUtf8(std::string& out, char32_t code);
 

@@ -33,7 +33,7 @@ void ListBackups(ApiContext& api, const HttpRequest& request, const Respond& res
 
 void GetBackup(ApiContext& api, const HttpRequest& request, const Respond& respond) {
   NoQuery(request);
-  const unsigned long number = NumberInPath(request, "n");
+  const unsigned long number = NumberInPath(request, "n", "backup");
   std::vector<StoredState> backups = api.house.Store().Backups(kSchedulerName);
   if (number > backups.size()) RefuseNumber(number, backups.size());
   HttpResponse response;
@@ -56,7 +56,7 @@ void CreateBackup(ApiContext& api, const HttpRequest& request, const Respond& re
 
 void RestoreBackup(ApiContext& api, const HttpRequest& request, const Respond& respond) {
   NoQuery(request);
-  const unsigned long number = NumberInPath(request, "n");
+  const unsigned long number = NumberInPath(request, "n", "backup");
   const std::size_t count = api.house.Store().Backups(kSchedulerName).size();
   SavedAnswer answer(respond);
   answer.Set(NoContent());

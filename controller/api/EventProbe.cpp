@@ -49,7 +49,6 @@ EventProbe::EventProbe(const DriverLoader& loader, const Place& place, const Eve
     return;
   }
   stored_ = ReadEventElement(*answer.stored);
-  next_ = ReadNextOccurrence(*answer.stored);
   stored_->eventid = event.eventid;
   stored_->randomize = event.randomize;
   trouble_ = FirstChange(*given, *answer.stored, event.start_period != 0);
@@ -89,24 +88,6 @@ std::vector<ProbedOccurrence> EventProbe::Next(const DayFields& from, std::time_
     }
     day = DaysAfter(span->to, 1);
   }
-  return next;
-}
-
-std::vector<ProbedOccurrence> EventProbe::NextIfAdded(std::time_t now, std::size_t count) {
-  const DayFields today = LocalDay(now);
-  std::vector<ProbedOccurrence> next = Next(today, now, count + 1);
-  if (stored_ && CivilRule(*stored_).CountsDays()) {
-    const bool listed = !next.empty() && next.front().day == today;
-    const bool comes = CivilRule(*stored_).OccursBySeconds(today, now);
-    if (listed && !comes) next.erase(next.begin());
-    if (!listed && comes && next_) {
-      const std::time_t time = OccurrenceTime(*stored_, *next_, place_);
-      const bool isTodays =
-          time == OccurrenceTime(*stored_, today, next_->hour, next_->minute, place_);
-      if (isTodays) next.insert(next.begin(), {today, time});
-    }
-  }
-  if (next.size() > count) next.resize(count);
   return next;
 }
 

@@ -36,16 +36,11 @@ class EventProbe {
   /// The next occurrences, the first of them on `from` or later, at most `count`. Those before the
   /// moment `after` are left out.
   std::vector<ProbedOccurrence> Next(const DayFields& from, std::time_t after, std::size_t count);
-  /// The next occurrences of the event if it were added at the moment `now`: whether it still comes
-  /// today is then decided at once, and not when today began.
-  std::vector<ProbedOccurrence> NextIfAdded(std::time_t now, std::size_t count);
 
  private:
   Place place_;
   ScratchAgent scratch_;
   std::optional<EventElement> stored_;
-  /// As the scheduler sees it from the present moment.
-  std::optional<NextOccurrence> next_;
   std::string trouble_;
 };
 

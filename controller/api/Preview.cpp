@@ -73,7 +73,7 @@ void Preview(ApiContext& api, const HttpRequest& request, const Respond& respond
   const EventElement event = ReadPreviewed(api.house, request, now);
   EventProbe probe(api.house, event);
   if (!probe.Stored() || !probe.Trouble().empty()) RefuseUnkept(probe.Trouble());
-  const auto next = probe.NextIfAdded(now, kShown);
+  const auto next = probe.Next(LocalDay(now), now, kShown);
   std::vector<PreviewWarning> warnings = PreviewWarnings(probe, next, now);
   if (auto duplicate = Duplicate(api.house, event)) warnings.push_back(*std::move(duplicate));
   respond(JsonAnswer(PreviewText(*probe.Stored(), next, warnings)));

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "controller/Printable.h"
+#include "controller/Utf8.h"
 #include "controller/api/EventFields.h"
 #include "controller/api/EventJson.h"
 #include "controller/json/ObjectReader.h"
@@ -199,11 +200,20 @@ void RefuseAnswers(ObjectReader& reader) {
   }
 }
 
+bool IsBlank(std::string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    const Utf8Char character = DecodeUtf8(text, at);
+    if (!character.valid || !IsInvisible(character.code)) return false;
+    at += character.length;
+  }
+  return true;
+}
+
 }  // namespace
 
 void CheckDescriptionText(const std::string& text, FieldErrors& errors) {
-  if (text.find_first_not_of(' ') == std::string::npos) {
-    errors.push_back({"/description", "is nothing but blanks; give a name"});
+  if (IsBlank(text)) {
+    errors.push_back({"/description", "is nothing that can be seen; give a name"});
   }
   if (text == kNeverPersisted) {
     errors.push_back(

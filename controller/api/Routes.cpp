@@ -149,7 +149,7 @@ void ThrowIfWrong(const FieldErrors& errors) {
   if (!errors.empty()) throw Problem("invalid", ErrorText(errors), errors);
 }
 
-unsigned long NumberInPath(const HttpRequest& request, const char* name) {
+unsigned long NumberInPath(const HttpRequest& request, const char* name, const char* what) {
   const auto part = request.parts.find(name);
   const std::string text = part == request.parts.end() ? "" : part->second;
   const auto number = ReadWhole(text);
@@ -157,8 +157,8 @@ unsigned long NumberInPath(const HttpRequest& request, const char* name) {
   if (number && *number >= 1 && text.front() != '0' && text.front() != '+') {
     return static_cast<unsigned long>(*number);
   }
-  throw Problem("not-found", "there is no " + std::string(name) + ' ' + Quoted(text) +
-                                 "; give a number, 1 or more");
+  throw Problem("not-found", "there is no " + std::string(what != nullptr ? what : name) + ' ' +
+                                 Quoted(text) + "; give a number, 1 or more");
 }
 
 HttpResponse JsonAnswer(std::string body, int status) {

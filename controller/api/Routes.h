@@ -68,7 +68,8 @@ nlohmann::json JsonBody(const HttpRequest& request);
 void ThrowIfWrong(const FieldErrors& errors);
 
 /// A number that stands in the path. Whatever is no number of something is not found.
-unsigned long NumberInPath(const HttpRequest& request, const char* name);
+unsigned long NumberInPath(const HttpRequest& request, const char* name,
+                           const char* what = nullptr);
 
 HttpResponse JsonAnswer(std::string body, int status = 200);
 HttpResponse JsonAnswer(const nlohmann::ordered_json& document, int status = 200);

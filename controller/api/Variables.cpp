@@ -11,6 +11,7 @@ namespace controller {
 namespace {
 
 constexpr std::size_t kMostValue = 1000;
+constexpr unsigned long kMostHostNumber = 0xFFFFFFFF;
 
 void ListVariables(ApiContext& api, const HttpRequest& request, const Respond& respond) {
   NoQuery(request);
@@ -19,6 +20,15 @@ void ListVariables(ApiContext& api, const HttpRequest& request, const Respond& r
     list.push_back({{"device", key.first}, {"variable", key.second}, {"value", ValidUtf8(value)}});
   }
   respond(JsonAnswer(nlohmann::ordered_json{{"variables", std::move(list)}}));
+}
+
+/// As far as actions and conditions can name one.
+unsigned long HostNumber(const HttpRequest& request, const char* name) {
+  const unsigned long number = NumberInPath(request, name);
+  if (number <= kMostHostNumber) return number;
+  throw Problem("invalid", "the " + std::string(name) + " is a number up to " +
+                               std::to_string(kMostHostNumber) + "; there is no " +
+                               std::to_string(number));
 }
 
 /// The place is kept with the project, and its variables follow it.
@@ -31,8 +41,8 @@ void RefusePlace(unsigned long device, unsigned long variable) {
 
 void PutVariable(ApiContext& api, const HttpRequest& request, const Respond& respond) {
   NoQuery(request);
-  const unsigned long device = NumberInPath(request, "device");
-  const unsigned long variable = NumberInPath(request, "variable");
+  const unsigned long device = HostNumber(request, "device");
+  const unsigned long variable = HostNumber(request, "variable");
   FieldErrors errors;
   const nlohmann::json body = JsonBody(request);
   ObjectReader reader(body, "", errors);
@@ -41,7 +51,7 @@ void PutVariable(ApiContext& api, const HttpRequest& request, const Respond& res
   reader.NoOthers();
   ThrowIfWrong(errors);
   RefusePlace(device, variable);
-  api.house.SetHostVariable(device, variable, *value);
+  api.house.SetHostVariable(device, variable, *value, request.actor);
   respond(JsonAnswer(
       nlohmann::ordered_json{{"device", device}, {"variable", variable}, {"value", *value}}));
 }

@@ -34,7 +34,7 @@ bool IsGoodDescription(const std::string& text) {
     const char32_t code = character.code;
     if (!character.valid || code < 0x20 || (code >= 0x7F && code <= 0x9F)) return false;
     if (code == 0xFFFE || code == 0xFFFF) return false;
-    blank = blank && code == ' ';
+    blank = blank && IsInvisible(code);
     at += character.length;
   }
   return !blank && count <= kMostDescription && text != kNeverPersisted;

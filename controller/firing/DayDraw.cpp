@@ -3,6 +3,8 @@
 #include <cstdlib>
 
 #include "controller/Clock.h"
+#include "controller/DayEdges.h"
+#include "controller/DaySeed.h"
 #include "controller/DriverInstance.h"
 #include "controller/LocalTimeText.h"
 #include "controller/ProjectVariables.h"
@@ -56,6 +58,21 @@ ScheduleTrace DrawDay(const DriverLoader& loader, const Place& place, const std:
   std::srand(seed);
   scheduler.Driver().OnTimerExpired(TracingHost::kTimer, 0);
   return host.reader.Take().value_or(ScheduleTrace{LocalDay(moment), {}});
+}
+
+DayDraws DrawDays(const DriverLoader& loader, const Place& place, const std::string& persisted,
+                  std::time_t from, std::time_t now, const std::string& projectId) {
+  const auto draw = [&](std::time_t moment) {
+    return DrawDay(loader, place, persisted, moment,
+                   SeedOfDay(projectId, DayNumber(LocalDay(moment))));
+  };
+  DayDraws draws;
+  for (const DayFields& day : {LocalDay(from), LocalDay(now)}) {
+    if (!draws.begun.empty() && draws.begun.back().day == day) continue;
+    draws.begun.push_back(draw(FirstSecondOf(day)));
+  }
+  draws.taken = draw(now);
+  return draws;
 }
 
 }  // namespace controller

@@ -26,6 +26,9 @@ struct PlannedOccurrence {
   /// The random part reaches so many minutes to both sides.
   long spread = 0;
   OffsetBase base = OffsetBase::kClock;
+  /// The scheduler lists it for the day, but will not fire it: it counts the days in steps of
+  /// 86400 s, and has counted them at another moment than midnight.
+  bool leftOut = false;
   OccurrenceState state = OccurrenceState::kPending;
   std::string reason;
   /// The journal's row of what became of it; 0 while it is pending.

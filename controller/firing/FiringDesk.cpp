@@ -1,6 +1,7 @@
 #include "controller/firing/FiringDesk.h"
 
 #include <algorithm>
+#include <limits>
 #include <map>
 #include <utility>
 
@@ -48,24 +49,29 @@ DayPlan FiringDesk::PlanOf(const DayFields& day, const ScheduleTrace* draw) {
     const EventElement* event = catalog_.Known(listed.event);
     if (event != nullptr) plan.Put(Occurrence(*event, listed.planned));
   }
-  if (draw == nullptr) return plan;
-  // The list that was drawn is the one that counts. Days that are counted in steps of 86400 s may
-  // have been counted otherwise at the moment of drawing than at midnight.
-  DayPlan drawn(day);
-  for (const ScheduleTrace::Entry& entry : draw->entries) {
-    const EventElement* event = catalog_.Find(house_.Scheduler(), entry.event);
-    if (event == nullptr) continue;
-    const PlannedOccurrence* listed = plan.Find(entry.event);
-    PlannedOccurrence occurrence =
-        listed != nullptr
-            ? *listed
-            : Occurrence(*event, PlannedInstant(*event, day, entry.hour, entry.minute));
-    const auto minutes =
-        DrawnMinutes(occurrence.planned, occurrence.spread, entry.hour, entry.minute);
-    if (minutes) occurrence.due = occurrence.planned + 60 * *minutes;
-    drawn.Put(std::move(occurrence));
+  // As the day begins: at the first of its moments, and with all that it holds.
+  if (draw != nullptr) TakeUpDraw(plan, *draw, std::numeric_limits<std::time_t>::min());
+  return plan;
+}
+
+// What the day holds is settled by the list that the scheduler answers. What it has drawn besides,
+// because it counts days in steps of 86400 s and has counted them at another moment than midnight,
+// is held back when it fires; what it has left out is brought when its time comes.
+void FiringDesk::TakeUpDraw(DayPlan& plan, const ScheduleTrace& draw, std::time_t after) {
+  std::map<unsigned long, const ScheduleTrace::Entry*> drawn;
+  for (const ScheduleTrace::Entry& entry : draw.entries) drawn[entry.event] = &entry;
+  for (PlannedOccurrence occurrence : plan.InOrder()) {
+    const auto found = drawn.find(occurrence.event);
+    if (found == drawn.end()) {
+      occurrence.leftOut = true;
+    } else if (const auto minutes = DrawnMinutes(occurrence.planned, occurrence.spread,
+                                                 found->second->hour, found->second->minute)) {
+      const std::time_t due = occurrence.planned + 60 * *minutes;
+      occurrence.leftOut = due <= after;
+      if (!occurrence.leftOut) occurrence.due = due;
+    }
+    plan.Put(std::move(occurrence));
   }
-  return drawn;
 }
 
 void FiringDesk::TakeUpDecided(DayPlan& plan, std::time_t now) {
@@ -89,7 +95,7 @@ void FiringDesk::TakeUpDecided(DayPlan& plan, std::time_t now) {
 }
 
 void FiringDesk::Begin(std::time_t from, std::time_t now, const std::string& cause,
-                       const std::vector<ScheduleTrace>& draws) {
+                       const std::optional<DayDraws>& draws) {
   fired_.clear();
   trace_.Take();
   catalog_.Load(house_.Scheduler());
@@ -99,14 +105,20 @@ void FiringDesk::Begin(std::time_t from, std::time_t now, const std::string& cau
   // From the day before: what falls past midnight belongs to that.
   for (DayFields day = DaysAfter(LocalDay(std::min(from, now)), -1); day <= today;
        day = DaysAfter(day, 1)) {
-    const auto draw = std::find_if(draws.begin(), draws.end(),
-                                   [&day](const ScheduleTrace& known) { return known.day == day; });
-    DayPlan plan = PlanOf(day, draw == draws.end() ? nullptr : &*draw);
+    const ScheduleTrace* begun = nullptr;
+    if (draws) {
+      for (const ScheduleTrace& each : draws->begun) {
+        if (each.day == day) begun = &each;
+      }
+    }
+    DayPlan plan = PlanOf(day, begun);
+    if (draws && day == today) TakeUpDraw(plan, draws->taken, now);
     TakeUpDecided(plan, now);
     FindMissed(plan, from, now, &missed);
     if (day == today) plan_ = std::move(plan);
   }
   if (plan_.Date() != today) plan_ = DayPlan(today);
+  CarryLeftOut();
   accountedUntil_ = now;
   DecideMissed(std::move(missed), cause, now);
   house_.OnPlanChanged();
@@ -119,8 +131,7 @@ void FiringDesk::FindMissed(DayPlan& plan, std::time_t from, std::time_t now,
     const std::time_t due = occurrence.due.value_or(occurrence.planned);
     if (due > now) {
       if (plan.Date() == LocalDay(now)) continue;
-      carried_.push_back({occurrence, plan.Date(), 0});
-      carried_.back().occurrence.due = due;
+      Carry(occurrence, plan.Date());
       continue;
     }
     // What was due before had its turn, or came into the schedule after its time.
@@ -143,7 +154,7 @@ void FiringDesk::DecideMissed(std::vector<Missed> missed, const std::string& cau
     const Missed* latest = last[each.occurrence.event];
     const Programming& programming = house_.ProgrammingOf(each.occurrence.event);
     const bool superseded = latest != &each && IsCaughtUp(programming.catchUp, each.lateSeconds);
-    Decide(each.occurrence, each.date, {superseded, false, nullptr}, cause, now);
+    Decide(each.occurrence, each.date, {superseded, false, false, nullptr}, cause, now);
     if (each.date == plan_.Date()) plan_.Put(each.occurrence);
   }
 }
@@ -154,7 +165,7 @@ void FiringDesk::Decide(PlannedOccurrence& occurrence, const DayFields& date, Ci
   const GateVerdict verdict = Judge({house_.ProgrammingOf(occurrence.event), date,
                                      house_.AwayUntil(), book_.WasActedOn(occurrence.event, date),
                                      book_.WasHeld(occurrence.event, date, occurrence.planned),
-                                     late, given.dropped, given.superseded});
+                                     given.unlisted, late, given.dropped, given.superseded});
   FiringDecision decision;
   decision.verdict = verdict;
   decision.event = occurrence.event;
@@ -182,7 +193,8 @@ void FiringDesk::OnTick(std::time_t now) {
   const bool carried = DecideCarried(now);
   const auto trace = trace_.Take();
   if (trace) {
-    CloseDay(now);
+    // Where the clocks go back over midnight, the old day comes again, and then the new one.
+    if (plan_.Date() < trace->day) CloseDay(now);
     NewDay(*trace, now);
   }
   accountedUntil_ = now;
@@ -195,28 +207,16 @@ void FiringDesk::OnBoundCall(unsigned long binding, const std::string& command) 
   if (command == "DO_CLICK") fired_.back().triggers.push_back(Trigger::kClick);
 }
 
-std::optional<PlannedOccurrence> FiringDesk::Listed(unsigned long event) {
+std::optional<PlannedOccurrence> FiringDesk::Listed(unsigned long event, std::time_t now) {
   for (const ListedOccurrence& listed : ListDay(house_.Scheduler(), catalog_, plan_.Date())) {
     if (listed.event != event) continue;
     const EventElement* element = catalog_.Find(house_.Scheduler(), event);
-    if (element != nullptr) return Occurrence(*element, listed.planned);
+    if (element == nullptr) break;
+    PlannedOccurrence occurrence = Occurrence(*element, listed.planned);
+    occurrence.leftOut = CountsDays(*element) && !CountComesOut(*element, now);
+    return occurrence;
   }
   return std::nullopt;
-}
-
-std::optional<PlannedOccurrence> FiringDesk::TakenUp(const EventElement& event, std::time_t now) {
-  auto listed = Listed(event.eventid);
-  if (!CountsDays(event)) return listed;
-  // The scheduler has counted the days up to now, and the listing those up to midnight: where the
-  // clocks have been changed since the first day, these may be other days.
-  if (listed) return CountComesOut(event, now) ? listed : std::nullopt;
-  const auto asked =
-      house_.Scheduler().Request("GET_EVENT", {{"EVENT_ID", std::to_string(event.eventid)}});
-  const auto next = asked ? ReadNextOccurrence(*asked) : std::nullopt;
-  if (!next) return std::nullopt;
-  const std::time_t planned = PlannedInstant(event, plan_.Date(), next->hour, next->minute);
-  if (planned != LocalInstant(next->day, next->hour, next->minute)) return std::nullopt;
-  return Occurrence(event, planned);
 }
 
 void FiringDesk::DecideFired(const Fired& fired, std::time_t now) {
@@ -227,12 +227,16 @@ void FiringDesk::DecideFired(const Fired& fired, std::time_t now) {
   occurrence.event = event;
   occurrence.planned = now;
   occurrence.due = now;
+  bool listed = true;
   if (planned != nullptr && planned->state == OccurrenceState::kPending) {
     occurrence = *planned;
   } else {
     // Another driver has added it, or it was moved after it had its turn.
-    catalog_.Refresh(house_.Scheduler(), event);
-    if (const auto listed = Listed(event)) occurrence = *listed;
+    const EventElement* element = catalog_.Refresh(house_.Scheduler(), event);
+    if (element != nullptr) occurrence.description = element->description;
+    const auto found = Listed(event, now);
+    listed = found.has_value();
+    if (found) occurrence = *found;
   }
   if (!occurrence.due) {
     // Drawn when it came into the schedule: the minute in which it fires tells how.
@@ -240,9 +244,9 @@ void FiringDesk::DecideFired(const Fired& fired, std::time_t now) {
     occurrence.due =
         occurrence.planned + 60 * std::clamp(minutes, -occurrence.spread, occurrence.spread);
   }
-  Decide(occurrence, plan_.Date(), {false, false, &fired.triggers}, "clock-jump", now);
+  Decide(occurrence, plan_.Date(), {false, false, !listed, &fired.triggers}, "clock-jump", now);
   // What was acted on is shown so, also where it came up again and was held back.
-  if (wasFired) return;
+  if (wasFired || !listed) return;
   plan_.Put(std::move(occurrence));
 }
 
@@ -253,7 +257,10 @@ bool FiringDesk::DecideCarried(std::time_t now) {
       ++each;
       continue;
     }
-    Decide(each->occurrence, each->date, {false, true, nullptr}, "past-midnight", now);
+    const bool leftOut = each->occurrence.leftOut;
+    Decide(each->occurrence, each->date, {false, true, false, nullptr},
+           leftOut ? "left-out" : "past-midnight", now);
+    if (each->date == plan_.Date()) plan_.Put(std::move(each->occurrence));
     each = carried_.erase(each);
     any = true;
   }
@@ -273,6 +280,35 @@ bool FiringDesk::HasCarriedOf(const DayFields& day) const {
                      [&day](const Missed& each) { return each.date <= day; });
 }
 
+void FiringDesk::Carry(PlannedOccurrence occurrence, const DayFields& date) {
+  if (!occurrence.due) occurrence.due = occurrence.planned;
+  std::erase_if(carried_, [&](const Missed& each) {
+    return each.date == date && each.occurrence.event == occurrence.event;
+  });
+  const auto later = std::upper_bound(
+      carried_.begin(), carried_.end(), *occurrence.due,
+      [](std::time_t due, const Missed& each) { return due < *each.occurrence.due; });
+  carried_.insert(later, {std::move(occurrence), date, 0});
+}
+
+bool FiringDesk::IsCarried(unsigned long event, const DayFields& date) const {
+  return std::any_of(carried_.begin(), carried_.end(), [&](const Missed& each) {
+    return each.occurrence.event == event && each.date == date;
+  });
+}
+
+void FiringDesk::CarryLeftOut() {
+  for (const PlannedOccurrence& occurrence : plan_.InOrder()) {
+    if (occurrence.state != OccurrenceState::kPending || !occurrence.leftOut) continue;
+    if (IsCarried(occurrence.event, plan_.Date())) continue;
+    if (occurrence.due.value_or(occurrence.planned) > accountedUntil_) {
+      Carry(occurrence, plan_.Date());
+    } else {
+      plan_.Remove(occurrence.event);
+    }
+  }
+}
+
 void FiringDesk::CloseDay(std::time_t now) {
   const std::time_t midnight = LocalInstant(DaysAfter(plan_.Date(), 1), 0, 0);
   for (PlannedOccurrence occurrence : plan_.InOrder()) {
@@ -281,16 +317,19 @@ void FiringDesk::CloseDay(std::time_t now) {
     // out.
     if (!occurrence.due && occurrence.planned + 60 * occurrence.spread < midnight) continue;
     if (!occurrence.due) occurrence.due = std::max(occurrence.planned, now);
-    carried_.push_back({std::move(occurrence), plan_.Date(), 0});
+    Carry(std::move(occurrence), plan_.Date());
   }
-  std::stable_sort(carried_.begin(), carried_.end(), [](const Missed& a, const Missed& b) {
-    return *a.occurrence.due < *b.occurrence.due;
-  });
 }
 
 void FiringDesk::NewDay(const ScheduleTrace& trace, std::time_t now) {
   plan_ = PlanOf(trace.day, &trace);
   TakeUpDecided(plan_, now);
+  // Of a day that comes again: what is drawn anew is the scheduler's once more.
+  std::erase_if(carried_, [&](const Missed& each) {
+    const PlannedOccurrence* again = plan_.Find(each.occurrence.event);
+    return each.date == trace.day && again != nullptr && !again->leftOut;
+  });
+  CarryLeftOut();
   book_.Forget(DaysAfter(trace.day, -kBookDays));
 }
 
@@ -299,9 +338,15 @@ void FiringDesk::OnEventChanged(unsigned long event, std::time_t now) {
   PlannedOccurrence* before = plan_.Find(event);
   const bool decided = before != nullptr && before->state != OccurrenceState::kPending;
   if (before != nullptr && !decided) plan_.Remove(event);
+  std::erase_if(carried_, [&](const Missed& each) {
+    return each.occurrence.event == event && each.date == plan_.Date();
+  });
   if (element != nullptr && !(decided && before->state == OccurrenceState::kFired)) {
-    const auto taken = TakenUp(*element, now);
-    if (taken && taken->planned + 60 * taken->spread > now) plan_.Put(*taken);
+    const auto taken = Listed(event, now);
+    if (taken && taken->planned + 60 * taken->spread > now) {
+      plan_.Put(*taken);
+      if (taken->leftOut) Carry(*taken, plan_.Date());
+    }
   }
   house_.OnPlanChanged();
 }

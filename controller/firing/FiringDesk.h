@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "controller/DriverInstance.h"
+#include "controller/firing/DayDraw.h"
 #include "controller/firing/DayPlan.h"
 #include "controller/firing/DecisionBook.h"
 #include "controller/firing/EventCatalog.h"
@@ -29,7 +30,8 @@ struct FiringDecision {
   /// What has come of the scheduler: the firing itself and the calls on the event's button. An
   /// occurrence that is caught up has them all.
   std::vector<Trigger> triggers = {Trigger::kEvent, Trigger::kPush, Trigger::kClick};
-  /// Of a missed one: "down", "clock-jump", "past-midnight", "superseded"; else the verdict's.
+  /// Of a missed one: "down", "clock-jump", "past-midnight", "left-out", "superseded"; else the
+  /// verdict's.
   std::string reason;
 };
 
@@ -72,10 +74,10 @@ class FiringDesk {
   std::time_t AccountedUntil() const { return accountedUntil_; }
 
   /// A scheduler has begun, at `now`. Whatever fell due after `from` was not its to fire; it is
-  /// missed because of `cause`, or caught up. `draws` are the lists of the days of `from` and of
-  /// `now` where they are known; the book must reach back to the day before `from`.
+  /// missed because of `cause`, or caught up. `draws` are the lists of these days, if the scheduler
+  /// has begun with a schedule; the book must reach back to the day before `from`.
   void Begin(std::time_t from, std::time_t now, const std::string& cause,
-             const std::vector<ScheduleTrace>& draws);
+             const std::optional<DayDraws>& draws);
 
   /// Inside the driver's calls.
   void OnFired(unsigned long event) { fired_.push_back({event, {Trigger::kEvent}}); }
@@ -101,21 +103,25 @@ class FiringDesk {
   struct Circumstances {
     bool superseded = false;
     bool dropped = false;
+    bool unlisted = false;
     /// Null: all of them.
     const std::vector<Trigger>* triggers = nullptr;
   };
 
   PlannedOccurrence Occurrence(const EventElement& event, std::time_t planned) const;
-  /// Today's occurrence of an event by the scheduler's listing, which answers as for midnight.
-  std::optional<PlannedOccurrence> Listed(unsigned long event);
-  /// Today's occurrence of an event that the scheduler has taken up at `now`.
-  std::optional<PlannedOccurrence> TakenUp(const EventElement& event, std::time_t now);
+  /// Today's occurrence of an event by the scheduler's listing, which answers as for midnight; left
+  /// out if the scheduler, taking it up at `now`, counts otherwise.
+  std::optional<PlannedOccurrence> Listed(unsigned long event, std::time_t now);
   DayPlan PlanOf(const DayFields& day, const ScheduleTrace* draw);
+  void TakeUpDraw(DayPlan& plan, const ScheduleTrace& draw, std::time_t after);
   void TakeUpDecided(DayPlan& plan, std::time_t now);
   void FindMissed(DayPlan& plan, std::time_t from, std::time_t now, std::vector<Missed>* missed);
   void DecideMissed(std::vector<Missed> missed, const std::string& cause, std::time_t now);
   void DecideFired(const Fired& fired, std::time_t now);
   void CloseDay(std::time_t now);
+  void Carry(PlannedOccurrence occurrence, const DayFields& date);
+  bool IsCarried(unsigned long event, const DayFields& date) const;
+  void CarryLeftOut();
   void NewDay(const ScheduleTrace& trace, std::time_t now);
   bool DecideCarried(std::time_t now);
   void Decide(PlannedOccurrence& occurrence, const DayFields& date, Circumstances given,
@@ -127,8 +133,9 @@ class FiringDesk {
   DayPlan plan_;
   ScheduleTraceReader trace_;
   std::vector<Fired> fired_;
-  /// Whose time falls past midnight: the scheduler has dropped them, they are caught up when it
-  /// comes. In the order of their time, which is known.
+  /// What the scheduler will not fire, because it has dropped it with its day or left it out; they
+  /// are caught up when their time comes. In the order of their time, which is known; each
+  /// occurrence once.
   std::vector<Missed> carried_;
   std::time_t accountedUntil_ = 0;
 };

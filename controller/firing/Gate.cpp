@@ -29,6 +29,7 @@ bool IsCaughtUp(const CatchUp& policy, long lateSeconds) {
 GateVerdict Judge(const GateFacts& facts) {
   const Programming& programming = facts.programming;
   if (facts.actedOn || facts.heldBefore) return Hold("already-acted");
+  if (facts.unlisted) return Hold("not-listed");
   if (!programming.enabled) return Hold("disabled");
   if (facts.awayUntil && facts.date < *facts.awayUntil) return Hold("away");
   if (programming.pausedUntil && facts.date < *programming.pausedUntil) return Hold("paused");

@@ -21,6 +21,8 @@ struct GateFacts {
   bool actedOn = false;
   /// This very occurrence was held back before.
   bool heldBefore = false;
+  /// The scheduler's list of the day does not have it.
+  bool unlisted = false;
   /// How long ago it was due; negative before that.
   long lateSeconds = 0;
   /// The scheduler has dropped it with its day; it counts as late.
@@ -44,9 +46,9 @@ struct GateVerdict {
 /// Whether a late occurrence would be caught up.
 bool IsCaughtUp(const CatchUp& policy, long lateSeconds);
 
-/// Decides. The first of these that applies: acted on before, or held before: held; disabled,
-/// away, paused: held; late and not to be caught up: missed; to be skipped: held, and the skip is
-/// used up; else it runs, "timer" or, where it is late, "caught-up".
+/// Decides. The first of these that applies: acted on before, or held before: held; not in the list
+/// of its day: held; disabled, away, paused: held; late and not to be caught up: missed; to be
+/// skipped: held, and the skip is used up; else it runs, "timer" or, where it is late, "caught-up".
 GateVerdict Judge(const GateFacts& facts);
 
 }  // namespace controller

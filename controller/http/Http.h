@@ -78,6 +78,8 @@ struct HttpRoute {
   /// Answers also those who have no token where tokens are needed: the page, which has to be there
   /// before it can ask for one.
   bool open = false;
+  /// Answers also while the server holds everything else back; see `HttpServer::HoldWhile`.
+  bool always = false;
 };
 
 }  // namespace controller

@@ -247,6 +247,10 @@ void HttpServer::Handle(evhttp_request* request) {
 void HttpServer::Work(JudgedRequest judged, const Respond& respond) {
   if (judged.refusal) return respond(*std::move(judged.refusal));
   try {
+    if (holdReason_ && !judged.route->always) {
+      const std::string reason = holdReason_();
+      if (!reason.empty()) throw Problem("not-ready", reason);
+    }
     judged.route->handler(judged.request, respond);
   } catch (const Problem& problem) {
     respond(problem.Response());

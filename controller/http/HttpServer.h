@@ -2,10 +2,12 @@
 
 #include <cstdint>
 #include <event2/http.h>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "controller/Loop.h"
@@ -51,6 +53,10 @@ class HttpServer final : private HttpConnection::IOwner {
   /// real one.
   std::vector<ListenAddress> Listen();
 
+  /// As long as this answers a reason, requests are answered with it and 503, but for those routes
+  /// that answer always. At most one.
+  void HoldWhile(std::function<std::string()> reason) { holdReason_ = std::move(reason); }
+
   const HttpCounters& Counters() const { return counters_; }
   const HttpLimits& Limits() const { return options_.limits; }
   /// Somebody who is not at this computer can reach it, so that tokens are needed.
@@ -83,6 +89,7 @@ class HttpServer final : private HttpConnection::IOwner {
   event_base* base_;
   HttpOptions options_;
   Router router_;
+  std::function<std::string()> holdReason_;
   Access access_;
   HttpCounters counters_;
   std::unordered_map<const bufferevent*, std::unique_ptr<HttpConnection>> connections_;

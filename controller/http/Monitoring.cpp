@@ -60,9 +60,9 @@ void AddFirings(MetricsText& text, const HouseCounters& counters) {
                  counters.fired, {"timer", "caught-up", "by-hand"});
   CounterByLabel(text, "vexalink_held_total", "Occurrences that nothing was done about on purpose.",
                  "reason", counters.held,
-                 {"already-acted", "disabled", "away", "paused", "skipped", "journal"});
+                 {"already-acted", "not-listed", "disabled", "away", "paused", "skipped", "journal"});
   CounterByLabel(text, "vexalink_missed_total", "Occurrences that were missed.", "reason",
-                 counters.missed, {"down", "clock-jump", "past-midnight", "superseded"});
+                 counters.missed, {"down", "clock-jump", "past-midnight", "left-out", "superseded"});
   CounterByLabel(text, "vexalink_actions_total", "Actions by how they ended.", "outcome",
                  counters.actions, {"done", "failed", "timed-out", "condition", "cancelled"});
   text.Family("vexalink_firing_delay_seconds", "histogram",
@@ -83,6 +83,9 @@ void AddHouse(MetricsText& text, House& house) {
           counters.saveFailures);
   Single(text, "vexalink_saving_works", "gauge", "1 while saving works, else 0.",
          house.SavingTrouble().empty() ? 1 : 0);
+  Single(text, "vexalink_waiting", "gauge",
+         "1 while the scheduler has not begun, because the clock cannot be right; else 0.",
+         house.WaitingFor().empty() ? 0 : 1);
   Counter(text, "vexalink_clock_jumps_total", "Times that the clock was set.", counters.clockJumps);
   Counter(text, "vexalink_zone_changes_total", "Times that the time zone became another.",
           counters.zoneChanges);
@@ -156,6 +159,7 @@ void AddRoute(HttpServer& server, const std::string& path, bool open,
   route.method = "GET";
   route.path = path;
   route.open = open;
+  route.always = true;
   route.handler = [answer = std::move(answer)](const HttpRequest&, Respond respond) {
     respond(answer());
   };
@@ -179,6 +183,8 @@ std::string MetricsOf(House& house, const HttpServer& server, const EventStream&
 void AddMonitoring(HttpServer& server, House& house, const EventStream& stream) {
   AddRoute(server, "/healthz", /*open=*/true, [] { return Plain("ok\n"); });
   AddRoute(server, "/readyz", /*open=*/true, [&house, &server] {
+    const std::string waiting = house.WaitingFor();
+    if (!waiting.empty()) throw Problem("not-ready", waiting);
     const std::string trouble = house.SavingTrouble();
     if (trouble.empty()) return Plain("ok\n");
     // Anybody may ask here, also from elsewhere: they need not know the names of files.

@@ -46,6 +46,7 @@ void AddFile(HttpServer& server, const std::string& path, const Asset& asset) {
   route.method = "GET";
   route.path = path;
   route.open = true;
+  route.always = true;
   route.handler = [&asset](const HttpRequest& request, Respond respond) {
     respond(Serve(asset, request));
   };

@@ -41,12 +41,8 @@ Controller::~Controller() {
 }
 
 ExitStatus Controller::Run(const std::function<void()>& onStarted) {
-  onStarted_ = onStarted;
-  if (scheduler_ != nullptr) {
-    onStarted_();
-  } else {
-    OnClockWait(-1, 0, this);
-  }
+  onStarted();
+  if (scheduler_ == nullptr) OnClockWait(-1, 0, this);
   ServiceNotify::Ready(status_);
   event_base_dispatch(base_.get());
   return Stop();

@@ -49,7 +49,7 @@ class Controller final : public House,
   Controller& operator=(const Controller&) = delete;
 
   /// Runs until a signal ends it. kFailed where the schedule could not be saved at the end.
-  /// `onStarted` is called once the scheduler runs, which may have to wait for the clock.
+  /// `onStarted` is called first, from inside; the scheduler may still have to wait for the clock.
   ExitStatus Run(const std::function<void()>& onStarted);
   event_base* Loop() { return base_.get(); }
 
@@ -66,6 +66,7 @@ class Controller final : public House,
   std::optional<DayFields> AwayUntil() const override;
   std::map<std::pair<unsigned long, unsigned long>, std::string> Variables() const override;
   const HouseCounters& Counters() const override;
+  std::string WaitingFor() const override { return scheduler_ == nullptr ? status_ : ""; }
   std::string SavingTrouble() const override { return committer_.Trouble(); }
   std::vector<RunningAction> RunningActions() const override { return runner_->Running(); }
   std::time_t StartedAt() const override { return startedAt_; }
@@ -86,8 +87,8 @@ class Controller final : public House,
                   std::function<void(std::int64_t journalRow)> begun) override;
   void TryAction(const Action& action, unsigned long eventId, const std::string& actor,
                  std::function<void(const ActionOutcome&)> done) override;
-  void SetHostVariable(unsigned long device, unsigned long variable,
-                       const std::string& value) override;
+  void SetHostVariable(unsigned long device, unsigned long variable, const std::string& value,
+                       const std::string& actor) override;
 
   // House: changing the project (ControllerProject.cpp).
   void ChangeProject(const ProjectPatch& patch, const std::string& actor, Saved saved) override;
@@ -130,6 +131,8 @@ class Controller final : public House,
   // IActionHouse.
   bool TestCondition(const Condition& condition) override;
   void SetVariable(const VariableAction& action) override;
+  /// False where it is not one to be set.
+  bool SetVariable(unsigned long device, unsigned long variable, const std::string& value);
   void OnActionEnded(const FiringFacts& facts, const Action& action,
                      const ActionOutcome& outcome) override;
 
@@ -151,7 +154,6 @@ class Controller final : public House,
   void ReadReasons();
   /// Takes up what became of whatever may be due after `from`, or by the clock as it is now.
   void LoadBook(std::time_t from);
-  std::vector<ScheduleTrace> Draws(const std::string& persisted, std::time_t from, std::time_t now);
   void OnSignal(int signal);
   void ReloadTimeZone();
   void LookAtZoneFile();
@@ -218,7 +220,6 @@ class Controller final : public House,
   std::string status_;
   std::string name_;
   std::optional<DayFields> awayUntil_;
-  std::function<void()> onStarted_;
   std::vector<Notice> notices_;
   std::set<unsigned long> dropped_;
   std::map<unsigned long, DeletedEvent> unsavedDeleted_;

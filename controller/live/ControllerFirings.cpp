@@ -180,15 +180,27 @@ bool Controller::TestCondition(const Condition& condition) {
 }
 
 void Controller::SetVariable(const VariableAction& action) {
-  SetHostVariable(action.device, action.variable, action.value);
+  SetVariable(action.device, action.variable, action.value);
+}
+
+bool Controller::SetVariable(unsigned long device, unsigned long variable,
+                             const std::string& value) {
+  if (IsPlaceVariable(device, variable)) {
+    Log::Warning("the place of the house is no variable to be set; change the project");
+    return false;
+  }
+  host_.SetVariable(device, variable, value);
+  return true;
 }
 
 void Controller::SetHostVariable(unsigned long device, unsigned long variable,
-                                 const std::string& value) {
-  if (IsPlaceVariable(device, variable)) {
-    return Log::Warning("the place of the house is no variable to be set; change the project");
-  }
-  host_.SetVariable(device, variable, value);
+                                 const std::string& value, const std::string& actor) {
+  if (!SetVariable(device, variable, value)) return;
+  JournalRow row = NewRow("change", "variable");
+  row.actor = actor;
+  row.text = "variable " + std::to_string(variable) + " of device " + std::to_string(device) +
+             " is " + Quoted(value);
+  Record(std::move(row));
 }
 
 JournalRow Controller::ActionRow(const FiringFacts& facts, const Action& action,

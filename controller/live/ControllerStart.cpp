@@ -120,7 +120,6 @@ void Controller::OnClockWait(int, short, void* argument) {
     const bool told = !self.status_.empty();
     if (self.ClockIsSane()) {
       self.Begin();
-      self.onStarted_();
       ServiceNotify::Ready(self.status_);
       return;
     }
@@ -177,8 +176,8 @@ void Controller::CreateScheduler(const std::optional<std::string>& persisted, st
                                  const std::string& cause) {
   const ClockScope sameMoment(std::time(nullptr));
   const std::time_t now = std::time(nullptr);
-  std::vector<ScheduleTrace> draws;
-  if (persisted) draws = Draws(*persisted, from, now);
+  std::optional<DayDraws> draws;
+  if (persisted) draws = DrawDays(*loader_, place_.place, *persisted, from, now, projectId_);
   scheduler_ = std::make_unique<DriverInstance>(*loader_, host_, recorder_.get());
   seed_.Seed();
   scheduler_->Initialize(kSchedulerDevice, persisted);
@@ -197,18 +196,6 @@ void Controller::LoadBook(std::time_t from) {
     Log::Warning(std::string("what became of the events of earlier days is not known: ") +
                  failure.what());
   }
-}
-
-std::vector<ScheduleTrace> Controller::Draws(const std::string& persisted, std::time_t from,
-                                             std::time_t now) {
-  std::vector<ScheduleTrace> draws;
-  for (const std::time_t moment : {from, now}) {
-    const DayFields day = LocalDay(moment);
-    if (!draws.empty() && draws.back().day == day) continue;
-    draws.push_back(
-        DrawDay(*loader_, place_.place, persisted, moment, SeedOfDay(projectId_, DayNumber(day))));
-  }
-  return draws;
 }
 
 void Controller::FillReasons() {

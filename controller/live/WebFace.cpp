@@ -38,6 +38,7 @@ WebFace::WebFace(event_base* base, House& house, const WebOptions& options,
   CheckTokensForListening(options.listen, tokens_, project);
   for (HttpRoute& route : api_.Routes()) server_.Add(std::move(route));
   server_.Add(stream_.Route("/api/v1/stream"));
+  server_.HoldWhile([this] { return house_.WaitingFor(); });
   AddMonitoring(server_, house_, stream_);
   AddStaticFiles(server_);
   addresses_ = server_.Listen();

@@ -65,10 +65,7 @@ ActionRunner::Work::Work(event_base* base, IActionHouse& house, const ActionLimi
 
 ActionRunner::Work::~Work() {
   Guarded(base_, [&] {
-    while (!jobs_.empty()) {
-      const auto& [id, job] = *jobs_.begin();
-      CancelJob(id, job.done ? nullptr : "the controller has ended");
-    }
+    while (!jobs_.empty()) CancelJob(jobs_.begin()->first, "the controller has ended");
     EndChildren();
     queue_.Drain();
   });
@@ -250,9 +247,7 @@ void ActionRunner::Work::CancelJob(unsigned long id, const char* why) {
   Job& job = found->second;
   if (job.call != 0) hooks_.Abort(job.call);
   if (job.child) LetEnd(id, std::move(job.child));
-  if (why != nullptr) return EndJob(id, ActionOutcome::Kind::kCancelled, why);
-  Leave(job);
-  jobs_.erase(found);
+  EndJob(id, ActionOutcome::Kind::kCancelled, why);
 }
 
 void ActionRunner::Work::LetEnd(unsigned long id, std::unique_ptr<ChildProcess> child) {

@@ -86,8 +86,8 @@ class ActionRunner {
  public:
   /// The house must outlive it.
   ActionRunner(event_base* base, IActionHouse& house, const ActionLimits& limits = {});
-  /// Ends everything: children are killed, what was waiting or under way is reported to the house
-  /// as cancelled. Who waits for a `Try` is not called any more.
+  /// Ends everything: children are killed, what was waiting or under way is reported as cancelled,
+  /// a `Try` to whoever waits for it.
   ~ActionRunner();
   ActionRunner(const ActionRunner&) = delete;
   ActionRunner& operator=(const ActionRunner&) = delete;

@@ -3,10 +3,10 @@
 #include <memory>
 #include <utility>
 
+#include "controller/DayEdges.h"
 #include "controller/LocalTimeText.h"
 #include "controller/ProjectVariables.h"
 #include "controller/programming/ProgrammingJson.h"
-#include "controller/simulate/DayEdges.h"
 #include "controller/simulate/SentAction.h"
 
 namespace controller {

@@ -4,13 +4,13 @@
 #include <cstdlib>
 #include <ctime>
 
+#include "controller/DayEdges.h"
 #include "controller/LocalTimeText.h"
 #include "controller/Log.h"
 #include "controller/Printable.h"
 #include "controller/ScheduleSummary.h"
 #include "controller/cli/show/DisplayWidth.h"
 #include "controller/programming/ProgrammingJson.h"
-#include "controller/simulate/DayEdges.h"
 
 namespace controller {
 

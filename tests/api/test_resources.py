@@ -95,7 +95,7 @@ class Resources(unittest.TestCase):
 
     def test_texts_come_back_to_the_byte(self):
         names = ["Tür", "עברית", "\u202eabc\u202c", "a\u0301", "💡", "]]>", "<b>&amp;", '"\\',
-                 " blanks ", "\u2028", "x" * 200, "ü" * 200, "%s%n", "'; DROP TABLE event; --"]
+                 " blanks ", "a\u2028b", "x" * 200, "ü" * 200, "%s%n", "'; DROP TABLE event; --"]
         for name in names:
             event = self.add(named(name))
             self.assertEqual(event["description"], name)

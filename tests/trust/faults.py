@@ -321,6 +321,29 @@ class ClockTest(Folder):
             self.assertEqual(len(self.acted()), len(set(self.acted())), self.acted())
             self.assertEqual(controller.stop(), 0)
 
+    def test_waits_for_a_clock_that_can_be_right(self):
+        with self.start((6, 30)) as controller:
+            client = controller.client()
+            self.event(client, "Porch", "07:00")
+            self.assertEqual(controller.stop(), 0)
+        self.hours = -24 * 365 * 20
+        with self.launch() as controller:
+            client = controller.client()
+            self.assertEqual(client.ask("GET", "/healthz").status, 200)
+            self.assertEqual(client.metric("vexalink_waiting"), 1)
+            for path in ("/readyz", "/events", "/status", "/today", "/stream", "/project"):
+                answer = client.ask("GET", path)
+                self.assertEqual(answer.status, 503, path)
+                self.assertRegex(answer.json()["detail"], "the clock says .*2010", path)
+            self.assertEqual(client.ask("DELETE", "/events/1").status, 503)
+            self.assertEqual(client.ask("POST", "/events", named("Two")).status, 503)
+            self.set(0)
+            serving.until(lambda: client.ask("GET", "/readyz").status == 200, "the scheduler")
+            self.assertEqual(client.metric("vexalink_waiting"), 0)
+            self.assertEqual([each["description"] for each in client.get("/events")["events"]],
+                             ["Porch"])
+            self.assertEqual(controller.stop(), 0)
+
     def test_while_it_was_down(self):
         with self.start((6, 30)) as controller:
             client = controller.client()

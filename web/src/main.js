@@ -27,6 +27,8 @@ const ROUTES = [
   [/^project$/, async () => (await import('./views/project.js')).project],
 ];
 
+const START_AGAIN_MS = 5000;
+
 const main = document.getElementById('main');
 let view = null;
 let shownHash = null;
@@ -229,8 +231,10 @@ async function start() {
   readSettings();
   api.onUnauthorized(askForToken);
   try {
-    await house.start().catch(failed);
+    await house.start();
   } catch (error) {
+    // A controller that waits for its clock begins by itself.
+    if (error.kind === 'not-ready') setTimeout(() => location.reload(), START_AGAIN_MS);
     return replace(
       main,
       h('h1', {tabindex: '-1'}, t('start.failed')),

@@ -56,8 +56,8 @@ void AddListCommand(CLI::App& app, CommandRun& run) {
                                        [line](Session& session) { return List(*line, session); });
   command->add_option("TEXT", line->part, "Only events with this in their description");
   command->footer(
-      "Times are those of the house. A time is written as add takes it: sunset-30 ±10 is half an "
-      "hour before sunset, up to ten minutes earlier or later.\n\n" +
+      "Times are those of the house. \"sunset-30 ±10\" is half an hour before sunset, up to ten "
+      "minutes earlier or later: --at sunset-30 --spread 10 to add and modify.\n\n" +
       ClientExitStatuses());
 }
 

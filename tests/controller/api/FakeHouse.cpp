@@ -156,6 +156,6 @@ bool FakeHouse::RestoreBackup(std::size_t number, const std::string& actor, Save
 }
 
 void FakeHouse::SetHostVariable(unsigned long device, unsigned long variable,
-                                const std::string& value) {
+                                const std::string& value, const std::string&) {
   variables_[{device, variable}] = value;
 }

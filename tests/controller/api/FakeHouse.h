@@ -52,6 +52,7 @@ class FakeHouse final : public controller::House {
     return variables_;
   }
   const controller::HouseCounters& Counters() const override { return counters; }
+  std::string WaitingFor() const override { return ""; }
   std::string SavingTrouble() const override { return savingTrouble; }
   std::vector<controller::RunningAction> RunningActions() const override { return running; }
   std::time_t StartedAt() const override { return 1790000000; }
@@ -76,7 +77,7 @@ class FakeHouse final : public controller::House {
   void BackUpSchedule(const std::string& actor, Saved saved) override;
   bool RestoreBackup(std::size_t number, const std::string& actor, Saved saved) override;
   void SetHostVariable(unsigned long device, unsigned long variable,
-                       const std::string& value) override;
+                       const std::string& value, const std::string& actor) override;
   void SetListener(controller::IHouseListener*) override {}
 
  private:

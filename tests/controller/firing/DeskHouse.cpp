@@ -49,12 +49,8 @@ void DeskHouse::Set(const std::string& now) { Clock::Freeze(Moment(now)); }
 void DeskHouse::Begin(const std::optional<std::string>& persisted, const std::string& cause) {
   const std::time_t now = time(nullptr);
   const std::time_t from = persisted ? desk.AccountedUntil() : now;
-  std::vector<ScheduleTrace> draws;
-  for (const std::time_t moment : {from, now}) {
-    if (!persisted) break;
-    draws.push_back(DrawDay(*loader_, kBerlin, *persisted, moment,
-                            SeedOfDay("house", DayNumber(LocalDay(moment)))));
-  }
+  std::optional<DayDraws> draws;
+  if (persisted) draws = DrawDays(*loader_, kBerlin, *persisted, from, now, "house");
   scheduler_ = std::make_unique<DriverInstance>(*loader_, host_);
   seed_.Seed();
   scheduler_->Initialize(kSchedulerDevice, persisted);

@@ -90,7 +90,7 @@ TEST(FiringDesk, WhatWasMovedAfterItHadItsTurnIsShownWhenItCameAlsoAfterARestart
 /// Every second day from a day in winter on, at 10:05; added on a day in summer at 10:00.
 unsigned long AddInSummer(DeskHouse& house, const DayFields& start) {
   EventElement event;
-  event.description = "Garden";
+  event.description = "from " + std::to_string(start.day);
   event.offset_minutes = 10 * 60 + 5;
   event.frequency = static_cast<int>(RepeatKind::kDaily);
   event.rate = 2;
@@ -100,22 +100,81 @@ unsigned long AddInSummer(DeskHouse& house, const DayFields& start) {
 
 // 10 July 2024 is 191 days after 1 January by the calendar and at 10:00, but 190 at its midnight,
 // because the clocks were put forward. The scheduler adds an event by the first count, and lists
-// the days by the second.
-TEST(FiringDesk, WhatIsAddedDuringTheDayIsExpectedAsTheSchedulerCountsAtThatMoment) {
+// the days by the second. What is listed counts.
+TEST(FiringDesk, WhatIsAddedDuringTheDayIsHeldBackWhereTheDayDoesNotListIt) {
   DeskHouse house("2024-07-10T10:00:00", kNewYork);
   AddInSummer(house, {2024, 1, 2});
-  EXPECT_THAT(house.States(), ElementsAre("1 pending"));
+  EXPECT_THAT(house.States(), IsEmpty());
   house.RunUntil("2024-07-10T10:05:01");
-  EXPECT_THAT(house.Decided(), ElementsAre("1 fired timer 07-10 10:05"));
+  EXPECT_THAT(house.Decided(), ElementsAre("1 held not-listed 07-10 10:05"));
+  EXPECT_THAT(house.States(), IsEmpty());
 }
 
-TEST(FiringDesk, WhatIsAddedDuringTheDayIsNotMissedWhereTheSchedulerDidNotExpectIt) {
+TEST(FiringDesk, WhatIsAddedDuringTheDayComesWhereTheSchedulerLeavesItOut) {
   DeskHouse house("2024-07-10T10:00:00", kNewYork);
   AddInSummer(house, {2024, 1, 1});
-  EXPECT_THAT(house.States(), IsEmpty());
+  EXPECT_THAT(house.States(), ElementsAre("1 pending"));
+  house.RunUntil("2024-07-10T10:05:01");
+  EXPECT_THAT(house.Decided(), ElementsAre("1 fired caught-up 07-10 10:05"));
   house.TickAt("2024-07-10T23:59:59");
   house.RunUntil("2024-07-11T00:00:02");
   EXPECT_THAT(house.Decided(), IsEmpty());
+}
+
+TEST(FiringDesk, WhatWasLeftOutGoesWithItsEvent) {
+  DeskHouse house("2024-07-10T10:00:00", kNewYork);
+  AddInSummer(house, {2024, 1, 1});
+  house.Delete(1);
+  EXPECT_THAT(house.States(), IsEmpty());
+  house.RunUntil("2024-07-10T10:06:00");
+  EXPECT_THAT(house.Decided(), IsEmpty());
+}
+
+TEST(FiringDesk, ARestartDuringTheDayDoesNotChangeWhatTheDayHolds) {
+  DeskHouse house("2024-07-09T23:59:58", kNewYork);
+  AddInSummer(house, {2024, 1, 1});
+  AddInSummer(house, {2024, 1, 2});
+  house.RunUntil("2024-07-10T00:00:02");
+  EXPECT_THAT(house.States(), ElementsAre("1 pending"));
+  house.RestartAt("2024-07-10T09:00:00");
+  EXPECT_THAT(house.States(), ElementsAre("1 pending"));
+  house.TickAt("2024-07-10T10:04:59");
+  house.RunUntil("2024-07-10T10:06:00");
+  EXPECT_THAT(house.Decided(),
+              ElementsAre("2 held not-listed 07-10 10:05", "1 fired caught-up 07-10 10:05"));
+}
+
+TEST(FiringDesk, WhatWasLeftOutIsMissedWhereNothingIsToBeCaughtUp) {
+  DeskHouse house("2024-07-10T10:00:00", kNewYork);
+  house.programming[1].catchUp.policy = CatchUp::Policy::kIgnore;
+  AddInSummer(house, {2024, 1, 1});
+  house.RunUntil("2024-07-10T10:06:00");
+  EXPECT_THAT(house.Decided(), ElementsAre("1 missed left-out 07-10 10:05"));
+}
+
+// One minute after the midnight that begins November the clocks go back by an hour: 31 October is
+// drawn up again for its last hour, and then 1 November once more.
+TEST(FiringDesk, ADayThatComesAgainBringsNothingTwiceAndLosesNothing) {
+  DeskHouse house("2009-10-30T23:59:58", "NST3:30NDT,M3.2.0/0:01,M11.1.0/0:01");
+  house.Daily("1", 23 * 60 + 59);
+  house.Daily("2", 30, 5);
+  EventElement counted;
+  counted.offset_minutes = 23 * 60 + 30;
+  counted.frequency = static_cast<int>(RepeatKind::kDaily);
+  counted.rate = 2;
+  for (const int day : {1, 2}) {
+    counted.description = "counted from " + std::to_string(day);
+    counted.start = {2009, 7, day};
+    house.Add(counted);
+  }
+  house.RunUntil("2009-11-02T00:00:05");
+  std::vector<std::string> fired;
+  for (const std::string& decided : house.Decided()) {
+    if (decided.find(" held ") == std::string::npos) fired.push_back(decided.substr(0, 19));
+  }
+  EXPECT_THAT(fired,
+              ElementsAre("2 fired timer 10-31", "3 fired timer 10-31", "1 fired timer 10-31",
+                          "2 fired timer 11-01", "4 fired timer 11-01", "1 fired timer 11-01"));
 }
 
 TEST(FiringDesk, AClockThatIsSetBackBringsNothingTwice) {

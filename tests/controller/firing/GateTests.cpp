@@ -17,7 +17,7 @@ GateVerdict Runs(const char* reason) { return {GateVerdict::Kind::kRun, reason, 
 GateVerdict Missed(const char* reason) { return {GateVerdict::Kind::kMiss, reason, false}; }
 
 GateFacts Today(const Programming& programming) {
-  return {programming, kToday, {}, false, false, 0, false, false};
+  return {programming, kToday, {}, false, false, false, 0, false, false};
 }
 
 TEST(Gate, LetsPassWhatComesInTime) {
@@ -85,10 +85,11 @@ TEST(Gate, PausesAndAbsencesEndWithTheDayThatIsNamed) {
 /// The states of an event as a machine of its own: what holds a firing back, in the order of their
 /// weight, and what a firing does to them.
 struct Model {
-  bool acted, disabled, away, paused, late, caughtUp, skip;
+  bool acted, unlisted, disabled, away, paused, late, caughtUp, skip;
 
   GateVerdict Judge() const {
     if (acted) return Held("already-acted");
+    if (unlisted) return Held("not-listed");
     if (disabled) return Held("disabled");
     if (away) return Held("away");
     if (paused) return Held("paused");
@@ -99,9 +100,9 @@ struct Model {
 };
 
 TEST(Gate, FollowsTheModelInEveryCombinationOfItsStates) {
-  for (unsigned bits = 0; bits < 128; ++bits) {
+  for (unsigned bits = 0; bits < 256; ++bits) {
     const auto bit = [bits](unsigned place) { return (bits >> place & 1) != 0; };
-    const Model model{bit(0), bit(1), bit(2), bit(3), bit(4), bit(5), bit(6)};
+    const Model model{bit(0), bit(1), bit(2), bit(3), bit(4), bit(5), bit(6), bit(7)};
     Programming programming;
     programming.enabled = !model.disabled;
     if (model.paused) programming.pausedUntil = kTomorrow;
@@ -111,6 +112,7 @@ TEST(Gate, FollowsTheModelInEveryCombinationOfItsStates) {
     GateFacts facts = Today(programming);
     if (model.away) facts.awayUntil = kTomorrow;
     facts.actedOn = model.acted;
+    facts.unlisted = model.unlisted;
     facts.lateSeconds = model.late ? 61 : 0;
     EXPECT_EQ(Judge(facts), model.Judge()) << "bits " << bits;
   }

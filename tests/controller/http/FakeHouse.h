@@ -10,9 +10,11 @@ class FakeHouse final : public controller::House {
   controller::HouseCounters counters;
   std::vector<controller::PlannedOccurrence> today;
   std::string trouble;
+  std::string waiting;
 
   std::vector<controller::PlannedOccurrence> Today() const override { return today; }
   const controller::HouseCounters& Counters() const override { return counters; }
+  std::string WaitingFor() const override { return waiting; }
   std::string SavingTrouble() const override { return trouble; }
   std::time_t StartedAt() const override { return 1795000000; }
 
@@ -51,7 +53,7 @@ class FakeHouse final : public controller::House {
   Imported ImportSchedule(const std::string&, bool, const std::string&, Saved) override { No(); }
   void BackUpSchedule(const std::string&, Saved) override { No(); }
   bool RestoreBackup(std::size_t, const std::string&, Saved) override { No(); }
-  void SetHostVariable(unsigned long, unsigned long, const std::string&) override { No(); }
+  void SetHostVariable(unsigned long, unsigned long, const std::string&, const std::string&) override { No(); }
   void SetListener(controller::IHouseListener*) override { No(); }
 
  private:

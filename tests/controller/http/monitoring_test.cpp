@@ -265,6 +265,17 @@ TEST(Health, TellsWhetherTheLoopTurnsAndSavingWorks) {
   EXPECT_EQ(ProblemDetail(unready), "saving does not work: project \"/p.db\": the disk is full");
 }
 
+TEST(Health, HoldsRequestsBackUntilTheSchedulerRuns) {
+  Watched server;
+  server.house.waiting = "the clock is wrong";
+  EXPECT_EQ(Ask(server, "GET", "/healthz").body, "ok\n");
+  EXPECT_EQ(ProblemDetail(Ask(server, "GET", "/readyz")), "the clock is wrong");
+  EXPECT_EQ(Metrics(Ask(server, "GET", "/metrics").body).At("vexalink_waiting"), 1);
+  server.house.waiting.clear();
+  EXPECT_EQ(Ask(server, "GET", "/readyz").status, 200);
+  EXPECT_EQ(Metrics(Ask(server, "GET", "/metrics").body).At("vexalink_waiting"), 0);
+}
+
 TEST(Health, TellsOthersNoNamesOfFiles) {
   Watched server(/*reachable=*/true);
   server.house.trouble = "project \"/p.db\": the disk is full";

@@ -131,10 +131,14 @@ TEST(Work, AnActionIsTriedInTheNameOfWhoWantedIt) {
 
 TEST(Work, AnActionSetsAVariableOfTheHouseButNotItsPlace) {
   LiveHouse house;
-  house.Get().SetHostVariable(1, 2001, "on");
+  house.Get().SetHostVariable(1, 2001, "on", "ada");
   EXPECT_EQ((house.Get().Variables()[{1, 2001}]), "on");
+  ASSERT_TRUE(house.Until([&] { return !house.Rows("change").empty(); }));
+  const JournalRow row = house.Rows("change")[0];
+  EXPECT_EQ(row.reason + ' ' + row.actor, "variable ada");
+  EXPECT_EQ(row.text, "variable 2001 of device 1 is \"on\"");
   testing::internal::CaptureStderr();
-  house.Get().SetHostVariable(1, 1001, "0");
+  house.Get().SetHostVariable(1, 1001, "0", "ada");
   EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("no variable to be set"));
   EXPECT_EQ((house.Get().Variables()[{1, 1001}]), "52.52");
 }

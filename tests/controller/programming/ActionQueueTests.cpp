@@ -169,8 +169,9 @@ TEST_F(Actions, EndWithTheRunner) {
   Start({Script("trap '' TERM; echo $$ > " + file + "; while :; do sleep 100; done"),
          Hook(hanging.Url()), Hook(failing.Url(), 3), Hook("http://other.slow.test/"),
          Delayed(SetTo("late"), 1000)});
-  bool told = false;
-  runner->Try(Command({"sleep", "100"}), facts, [&](const ActionOutcome&) { told = true; });
+  std::string told;
+  runner->Try(Command({"sleep", "100"}), facts,
+              [&](const ActionOutcome& outcome) { told = Text(outcome); });
   long pid = 0;
   ASSERT_TRUE(RunUntil([&] {
     std::FILE* const read = std::fopen(path, "r");
@@ -183,7 +184,7 @@ TEST_F(Actions, EndWithTheRunner) {
   for (const auto& ended : house.ended) {
     EXPECT_EQ(Text(ended.outcome), "cancelled: the controller has ended");
   }
-  EXPECT_FALSE(told);
+  EXPECT_EQ(told, "cancelled: the controller has ended");
   EXPECT_FALSE(IsAlive(pid));
   std::remove(path);
 }

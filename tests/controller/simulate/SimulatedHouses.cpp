@@ -4,12 +4,12 @@
 #include <ctime>
 
 #include "controller/Clock.h"
+#include "controller/DayEdges.h"
 #include "controller/DriverInstance.h"
 #include "controller/LocalTimeText.h"
 #include "controller/ProjectVariables.h"
 #include "controller/ScratchHost.h"
 #include "controller/firing/DayListing.h"
-#include "controller/simulate/DayEdges.h"
 
 namespace controller {
 

@@ -1,4 +1,4 @@
-#include "controller/simulate/DayEdges.h"
+#include "controller/DayEdges.h"
 
 #include <chrono>
 #include <string>
