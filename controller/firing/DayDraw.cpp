@@ -1,5 +1,6 @@
 #include "controller/firing/DayDraw.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "controller/Clock.h"
@@ -67,8 +68,11 @@ DayDraws DrawDays(const DriverLoader& loader, const Place& place, const std::str
                    SeedOfDay(projectId, DayNumber(LocalDay(moment))));
   };
   DayDraws draws;
-  for (const DayFields& day : {LocalDay(from), LocalDay(now)}) {
-    if (!draws.begun.empty() && draws.begun.back().day == day) continue;
+  // The days before them too: a random part may lead over midnight.
+  const DayFields first = LocalDay(std::min(from, now));
+  const DayFields last = LocalDay(now);
+  for (const DayFields& day : {DaysAfter(first, -1), first, DaysAfter(last, -1), last}) {
+    if (!draws.begun.empty() && day <= draws.begun.back().day) continue;
     draws.begun.push_back(draw(FirstSecondOf(day)));
   }
   draws.taken = draw(now);

@@ -19,7 +19,8 @@ ScheduleTrace DrawDay(const DriverLoader& loader, const Place& place, const std:
 
 /// The lists that tell what a scheduler has done and will do.
 struct DayDraws {
-  /// As they were drawn up when their days began: those of the days of `from` and of `now`.
+  /// As they were drawn up when their days began: those of the days of `from` and of `now`, and of
+  /// the days before these.
   std::vector<ScheduleTrace> begun;
   /// As a scheduler that begins now draws up today's. It may hold other events, because days that
   /// are counted in steps of 86400 s may come out otherwise than at midnight.

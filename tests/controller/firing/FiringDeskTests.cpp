@@ -270,6 +270,48 @@ TEST(FiringDesk, ARestartAfterMidnightStillKnowsWhatFallsPastIt) {
   EXPECT_THAT(house.Decided(), ElementsAre("1 fired caught-up 03-06 00:30"));
 }
 
+/// What becomes of four evenings whose random parts may lead over midnight, where the scheduler is
+/// restarted at these times.
+std::vector<std::string> LateEvenings(const std::vector<std::string>& restarts) {
+  DeskHouse house("2024-03-05T12:00:00");
+  for (const char* name : {"a", "b", "c", "d"}) {
+    const auto event = house.Daily(name, 23 * 60 + 55, 30);
+    house.programming[event].catchUp.policy = CatchUp::Policy::kAlways;
+  }
+  house.RunUntil("2024-03-06T20:00:00");
+  house.Decided();
+  for (const std::string& restart : restarts) {
+    if (restart < "2024-03-07T00:10:00") house.RunUntil(restart);
+    house.RestartAt(restart);
+  }
+  house.RunUntil("2024-03-07T01:00:00");
+  return house.Decided();
+}
+
+TEST(FiringDesk, ARestartAfterMidnightStillKnowsWhatWasDrawnPastIt) {
+  const auto undisturbed = LateEvenings({});
+  EXPECT_THAT(undisturbed, testing::SizeIs(4));
+  EXPECT_THAT(undisturbed, testing::Contains(testing::HasSubstr("fired caught-up 03-06 23:55+")));
+  EXPECT_EQ(LateEvenings({"2024-03-07T00:00:30"}), undisturbed);
+  EXPECT_EQ(LateEvenings({"2024-03-06T23:50:00", "2024-03-07T00:00:05", "2024-03-07T00:00:06"}),
+            undisturbed);
+}
+
+TEST(FiringDesk, WhatWasDrawnPastMidnightAfterADayOfRestWaitsForItsTime) {
+  DeskHouse house("2024-03-01T12:00:00");
+  for (const char* name : {"a", "b", "c", "d"}) house.Daily(name, 23 * 60 + 55, 30);
+  house.RestartAt("2024-03-07T00:00:30");
+  // Of the day before only what was due by now is decided, each by the random part of its day.
+  for (const std::string& decided : house.Decided()) {
+    if (decided.find(" 03-06 ") == std::string::npos) continue;
+    EXPECT_THAT(decided, testing::ContainsRegex("23:55[+-]"));
+    EXPECT_THAT(decided, testing::Not(testing::ContainsRegex("23:55\\+([6-9]|[12])")));
+  }
+  house.RunUntil("2024-03-07T00:30:00");
+  EXPECT_THAT(house.Decided(), testing::Contains(testing::ContainsRegex(
+                                   "fired caught-up 03-06 23:55\\+([6-9]|[12][0-9])")));
+}
+
 TEST(FiringDesk, HoldsBackAndDoesNotMakeUpForIt) {
   DeskHouse house("2024-03-06T06:59:58");
   house.Daily("Porch", kSeven);
