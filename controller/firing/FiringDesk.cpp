@@ -5,6 +5,7 @@
 #include <map>
 #include <utility>
 
+#include "controller/DayEdges.h"
 #include "controller/LocalTimeText.h"
 #include "controller/firing/DayCount.h"
 #include "controller/firing/DayListing.h"
@@ -15,11 +16,16 @@ namespace {
 
 constexpr int kBookDays = 3;
 
+/// When its turn comes: what is due before its day begins comes as that begins.
+std::time_t TurnOf(std::time_t due, const DayFields& date) {
+  return std::max(due, FirstSecondOf(date));
+}
+
 /// How late an occurrence is. The seconds of a sun time are not known, so up to the end of its
 /// minute it is in time.
-long LateSeconds(const PlannedOccurrence& occurrence, std::time_t now) {
+long LateSeconds(const PlannedOccurrence& occurrence, const DayFields& date, std::time_t now) {
   const std::time_t due = occurrence.due.value_or(occurrence.planned + 60 * occurrence.spread);
-  const long late = static_cast<long>(now - due);
+  const long late = static_cast<long>(now - TurnOf(due, date));
   if (occurrence.base == OffsetBase::kClock || late < 0) return late;
   return std::max(0L, late - 59);
 }
@@ -128,14 +134,16 @@ void FiringDesk::FindMissed(DayPlan& plan, std::time_t from, std::time_t now,
                             std::vector<Missed>* missed) {
   for (const PlannedOccurrence& occurrence : plan.InOrder()) {
     if (occurrence.state != OccurrenceState::kPending) continue;
-    const std::time_t due = occurrence.due.value_or(occurrence.planned);
+    const std::time_t due = TurnOf(occurrence.due.value_or(occurrence.planned), plan.Date());
     if (due > now) {
       if (plan.Date() == LocalDay(now)) continue;
       Carry(occurrence, plan.Date());
       continue;
     }
     // What was due before had its turn, or came into the schedule after its time.
-    if (due > from) missed->push_back({occurrence, plan.Date(), LateSeconds(occurrence, now)});
+    if (due > from) {
+      missed->push_back({occurrence, plan.Date(), LateSeconds(occurrence, plan.Date(), now)});
+    }
     plan.Remove(occurrence.event);
   }
 }
@@ -161,7 +169,7 @@ void FiringDesk::DecideMissed(std::vector<Missed> missed, const std::string& cau
 
 void FiringDesk::Decide(PlannedOccurrence& occurrence, const DayFields& date, Circumstances given,
                         const std::string& cause, std::time_t now) {
-  const long late = LateSeconds(occurrence, now);
+  const long late = LateSeconds(occurrence, date, now);
   const GateVerdict verdict = Judge({house_.ProgrammingOf(occurrence.event), date,
                                      house_.AwayUntil(), book_.WasActedOn(occurrence.event, date),
                                      book_.WasHeld(occurrence.event, date, occurrence.planned),
@@ -197,7 +205,9 @@ void FiringDesk::OnTick(std::time_t now) {
     if (plan_.Date() < trace->day) CloseDay(now);
     NewDay(*trace, now);
   }
-  accountedUntil_ = now;
+  // What is due as a new day begins, or before, comes with the next tick.
+  accountedUntil_ =
+      trace ? std::min(now, std::max(accountedUntil_, FirstSecondOf(trace->day) - 1)) : now;
   if (trace || carried || !fired.empty()) house_.OnPlanChanged();
 }
 

@@ -308,8 +308,44 @@ TEST(FiringDesk, WhatWasDrawnPastMidnightAfterADayOfRestWaitsForItsTime) {
     EXPECT_THAT(decided, testing::Not(testing::ContainsRegex("23:55\\+([6-9]|[12])")));
   }
   house.RunUntil("2024-03-07T00:30:00");
-  EXPECT_THAT(house.Decided(), testing::Contains(testing::ContainsRegex(
-                                   "fired caught-up 03-06 23:55\\+([6-9]|[12][0-9])")));
+  EXPECT_THAT(
+      house.Decided(),
+      testing::Contains(testing::ContainsRegex("fired caught-up 03-06 23:55\\+([6-9]|[12][0-9])")));
+}
+
+TEST(FiringDesk, WhatIsDueBeforeItsDayComesInTimeAsThatBegins) {
+  DeskHouse house("2024-03-06T20:00:00");
+  const auto early = house.Daily("a quarter before midnight", -15);
+  house.programming[early].catchUp.policy = CatchUp::Policy::kIgnore;
+  house.RunUntil("2024-03-07T00:00:05");
+  EXPECT_THAT(house.Decided(), ElementsAre("1 fired timer 03-07 23:45"));
+}
+
+TEST(FiringDesk, WhatIsDueBeforeItsDayIsMissedWhereNobodyIsThereAsThatBegins) {
+  DeskHouse house("2024-03-06T20:00:00");
+  house.Daily("a quarter before midnight", -15);
+  const auto second = house.Daily("a quarter before midnight, ignored", -15);
+  house.programming[second].catchUp.policy = CatchUp::Policy::kIgnore;
+  house.RunUntil("2024-03-06T23:50:00");
+  house.RestartAt("2024-03-07T00:05:00");
+  EXPECT_THAT(house.Decided(),
+              ElementsAre("1 fired caught-up 03-07 23:45", "2 missed down 03-07 23:45"));
+}
+
+TEST(FiringDesk, ARestartInTheFirstSecondOfADayLosesNothingOfIt) {
+  for (const char* restart : {"2024-03-07T00:00:00", "2024-03-07T00:00:01"}) {
+    DeskHouse house("2024-03-06T20:00:00");
+    house.Daily("midnight", 0);
+    house.Daily("just before", -1);
+    house.Daily("the end of the day", 24 * 60);
+    house.RunUntil("2024-03-07T00:00:00");
+    house.RestartAt(restart);
+    house.RunUntil("2024-03-07T00:00:05");
+    EXPECT_THAT(house.Decided(),
+                UnorderedElementsAre("1 fired timer 03-07 00:00", "2 fired timer 03-07 23:59",
+                                     "3 fired timer 03-06 00:00"))
+        << restart;
+  }
 }
 
 TEST(FiringDesk, HoldsBackAndDoesNotMakeUpForIt) {

@@ -69,7 +69,7 @@ TEST_P(SimulatedYear, BringsWhatIsListedOnceAndNothingElse) {
   EXPECT_EQ(totals.clockShifts, year.clockShifts);
   EXPECT_GT(totals.fired, 5000u);
   EXPECT_GT(totals.held, 1000u);
-  EXPECT_GT(totals.missed, 100u);
+  EXPECT_GT(totals.missed, 0u);
   std::map<std::pair<DayFields, unsigned long>, int> fired;
   std::map<std::pair<DayFields, unsigned long>, int> told;
   for (const SimulatedOccurrence& each : report.occurrences) {
