@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "controller/Log.h"
+#include "controller/Printable.h"
 #include "controller/http/Problem.h"
 
 namespace controller {
@@ -42,15 +43,25 @@ std::string Frame(const std::string& id, std::string_view name, std::string_view
   return "id: " + id + "\nevent: " + std::string(name) + "\n" + DataLines(json) + "\n\n";
 }
 
+std::string LastIdInQuery(const HttpRequest& request) {
+  std::string id;
+  for (const auto& [name, value] : request.query) {
+    if (name != "last_event_id") {
+      throw Problem("malformed",
+                    "the parameter " + Quoted(name) + " is not known here; there is last_event_id");
+    }
+    if (!id.empty()) throw Problem("malformed", "give the parameter \"last_event_id\" once");
+    id = value;
+  }
+  return id;
+}
+
 /// What the client has seen last, as it says. A browser that comes again says it in the header
 /// field, with the address that it began with; so that counts more.
 std::string LastId(const HttpRequest& request) {
+  std::string inQuery = LastIdInQuery(request);
   const auto field = request.headers.find("last-event-id");
-  if (field != request.headers.end()) return field->second;
-  for (const auto& [name, value] : request.query) {
-    if (name == "last_event_id") return value;
-  }
-  return "";
+  return field != request.headers.end() ? field->second : inQuery;
 }
 
 }  // namespace
@@ -91,10 +102,11 @@ void EventStream::Welcome(const HttpRequest& request, const Respond& respond) {
 
 std::string EventStream::Begin(const HttpRequest& request) const {
   const std::string lastId = LastId(request);
-  // The id alone is no event, but what the client will say when it comes again.
-  const std::string now = kRetry + ("id: " + LatestId()) + "\n\n";
-  if (lastId.empty()) return now;
-  if (const auto missed = Since(lastId)) return now + *missed;
+  // The id alone is no event, but what the client will say when it comes again. Before it has read
+  // what it missed it must not say that it has.
+  const auto at = [](const std::string& id) { return kRetry + ("id: " + id) + "\n\n"; };
+  if (lastId.empty()) return at(LatestId());
+  if (const auto missed = Since(lastId)) return at(lastId) + *missed;
   return kRetry + Frame(LatestId(), "reset", "{}");
 }
 

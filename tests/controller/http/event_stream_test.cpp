@@ -94,7 +94,8 @@ TEST(EventStream, BringsWhatWasMissed) {
   RawClient byField(server);
   Begin(byField, AskStream("Last-Event-ID: " + third + "\r\n"));
   EXPECT_TRUE(byField.ReadUntil("data: 5\n\n"));
-  EXPECT_EQ(Payload(byField.Received()), "retry: 3000\nid: " + id + "\n\n" + missed);
+  EXPECT_EQ(Payload(byField.Received()), "retry: 3000\nid: " + third + "\n\n" + missed)
+      << "where it breaks off in between nothing is passed over";
   RawClient byQuery(server);
   Begin(byQuery, AskStream("", "/stream?last_event_id=" + third));
   EXPECT_TRUE(byQuery.ReadUntil("data: 5\n\n"));
@@ -103,6 +104,19 @@ TEST(EventStream, BringsWhatWasMissed) {
   server.stream.Publish("journal", "6");
   EXPECT_TRUE(both.ReadUntil("data: 6\n\n"));
   EXPECT_EQ(both.Received().find("data: 5"), std::string::npos) << "the field counts more";
+}
+
+TEST(EventStream, RefusesParametersThatItDoesNotKnow) {
+  Streaming server;
+  for (const auto& [query, why] :
+       {std::pair("?since=1", "is not known here; there is last_event_id"),
+        std::pair("?last_event_id=1&last_event_id=2", "give the parameter")}) {
+    RawClient client(server);
+    client.Send(AskStream("", std::string("/stream") + query));
+    EXPECT_TRUE(client.ReadUntil(why)) << client.Received();
+    EXPECT_EQ(client.Received().substr(0, 12), "HTTP/1.1 400") << query;
+  }
+  EXPECT_EQ(server.stream.Clients(), 0U);
 }
 
 TEST(EventStream, SaysSoWhereItDoesNotKnowWhatWasMissed) {
