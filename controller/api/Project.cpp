@@ -39,6 +39,7 @@ void ReadPlace(const nlohmann::json& value, const std::string& pointer, const Pl
 }
 
 void ReadAway(ObjectReader& reader, ProjectPatch& patch) {
+  reader.Value("away_until");  // may stand there, also where it does not
   if (!reader.Has("away_until")) return;
   if (reader.IsNull("away_until")) {
     patch.awayUntil.emplace(std::nullopt);

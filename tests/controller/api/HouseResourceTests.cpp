@@ -73,6 +73,8 @@ TEST_F(HouseResource, RefusesWhatIsNoPlaceOrName) {
     EXPECT_EQ(answer.status, 422) << row.body;
     EXPECT_NE(answer.Error(row.pointer), "") << row.body << answer.text;
   }
+  EXPECT_EQ(client.Ask("PATCH", "/project", R"({"id":"x"})").Error("/id"),
+            "is not known here; there are away_until, name, place");
   EXPECT_FALSE(house.patched);
 }
 
