@@ -171,7 +171,7 @@ void FiringDesk::Decide(PlannedOccurrence& occurrence, const DayFields& date, Ci
                         const std::string& cause, std::time_t now) {
   const long late = LateSeconds(occurrence, date, now);
   const GateVerdict verdict = Judge({house_.ProgrammingOf(occurrence.event), date,
-                                     house_.AwayUntil(), book_.WasActedOn(occurrence.event, date),
+                                     house_.AwayBefore(), book_.WasActedOn(occurrence.event, date),
                                      book_.WasHeld(occurrence.event, date, occurrence.planned),
                                      given.unlisted, late, given.dropped, given.superseded});
   FiringDecision decision;

@@ -40,7 +40,9 @@ class IFiringHouse {
  public:
   virtual DriverInstance& Scheduler() = 0;
   virtual const Programming& ProgrammingOf(unsigned long eventId) const = 0;
-  virtual std::optional<DayFields> AwayUntil() const = 0;
+  /// The house is away on the days before this one, or was: what belongs to one of them may come
+  /// later.
+  virtual std::optional<DayFields> AwayBefore() const = 0;
   /// It is noted in the book. The house records it and, where it runs, acts on it once that is
   /// safe; a skip that was used up is the house's to take back. Answers the journal's row.
   virtual long long OnDecision(const FiringDecision& decision) = 0;

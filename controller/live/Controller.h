@@ -125,6 +125,7 @@ class Controller final : public House,
   void OnDriverLog(IDriver& driver, unsigned int level, const char* text) override;
 
   // IFiringHouse.
+  std::optional<DayFields> AwayBefore() const override { return awayUntil_; }
   long long OnDecision(const FiringDecision& decision) override;
   void OnPlanChanged() override;
 

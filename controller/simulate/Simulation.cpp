@@ -125,11 +125,6 @@ const Programming& Simulation::ProgrammingOf(unsigned long eventId) const {
   return found == house_.programming.end() ? plain : found->second;
 }
 
-std::optional<DayFields> Simulation::AwayUntil() const {
-  if (house_.awayUntil && *house_.awayUntil <= LocalDay(std::time(nullptr))) return std::nullopt;
-  return house_.awayUntil;
-}
-
 long long Simulation::OnDecision(const FiringDecision& decision) {
   if (decision.date < from_ || decision.date > to_) return 0;
   if (decision.verdict.usesSkip) house_.programming[decision.event].skipNext = false;

@@ -57,7 +57,7 @@ class Simulation final : private IFiringHouse, private vx::IAssertSink {
   // IFiringHouse
   DriverInstance& Scheduler() override { return *scheduler_; }
   const Programming& ProgrammingOf(unsigned long eventId) const override;
-  std::optional<DayFields> AwayUntil() const override;
+  std::optional<DayFields> AwayBefore() const override { return house_.awayUntil; }
   long long OnDecision(const FiringDecision& decision) override;
   void OnPlanChanged() override {}
   // vx::IAssertSink

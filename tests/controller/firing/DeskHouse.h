@@ -49,7 +49,7 @@ class DeskHouse final : public IFiringHouse, private IHostObserver {
  private:
   DriverInstance& Scheduler() override { return *scheduler_; }
   const Programming& ProgrammingOf(unsigned long eventId) const override;
-  std::optional<DayFields> AwayUntil() const override { return away; }
+  std::optional<DayFields> AwayBefore() const override { return away; }
   long long OnDecision(const FiringDecision& decision) override;
   void OnPlanChanged() override {}
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "LiveHouse.h"
+#include "controller/Clock.h"
 #include "controller/LocalTimeText.h"
 
 namespace controller {
@@ -44,6 +45,30 @@ TEST(ProjectChanges, AnAbsenceIsOverWhenItsDayHasBegun) {
   patch.awayUntil = LocalDay(std::time(nullptr));
   house.Get().ChangeProject(patch, "ada", house.Saved());
   EXPECT_FALSE(house.Get().AwayUntil());
+}
+
+TEST(ProjectChanges, WhatWasMissedDuringAnAbsenceIsNotCaughtUpAfterIt) {
+  LiveHouse house;
+  const DayFields today = LocalDay(std::time(nullptr));
+  EventElement event = LiveHouse::Daily("Porch", 7 * 60);
+  event.frequency = 0;
+  event.start = DaysAfter(today, 1);
+  Programming programming;
+  programming.catchUp.policy = CatchUp::Policy::kAlways;
+  ASSERT_NE(house.Get().AddEvent(event, &programming, "ada", house.Saved()), 0u);
+  ProjectPatch patch;
+  patch.awayUntil = DaysAfter(today, 2);
+  house.Get().ChangeProject(patch, "ada", house.Saved());
+  ASSERT_TRUE(house.WaitForSaved());
+  {
+    const ClockScope comingHome(LocalInstant(DaysAfter(today, 2), 12, 0));
+    house.Restart();
+  }
+  EXPECT_TRUE(house.Rows("fired").empty());
+  const auto held = house.Rows("held");
+  ASSERT_EQ(held.size(), 1u);
+  EXPECT_EQ(held[0].reason, "away");
+  EXPECT_EQ(held[0].date, event.start);
 }
 
 TEST(ProjectChanges, AnotherPlaceIsKnownToTheSchedulerAtOnce) {

@@ -78,6 +78,14 @@ TEST_F(SimulationTest, HoldsBackWhatMayNotHappen) {
                           "1 held disabled 03-07 07:00:00", "2 fired timer 03-07 07:01:00"));
 }
 
+TEST_F(SimulationTest, WhatBelongsToADayOfAbsenceIsHeldBackAlsoWhereItComesAfterwards) {
+  house = HouseWith({Daily(1, 24 * 60 + 30)});
+  house.awayUntil = kThursday;
+  Run(kWednesday, kThursday);
+  EXPECT_THAT(report.Texts(),
+              ElementsAre("1 held away 03-06 00:30:00", "1 fired caught-up 03-07 00:30:00"));
+}
+
 TEST_F(SimulationTest, WhatFallsPastMidnightBelongsToItsDay) {
   house = HouseWith({Daily(1, 24 * 60 + 30), Daily(2, 24 * 60 + 31)});
   house.programming[2].catchUp.policy = CatchUp::Policy::kIgnore;
