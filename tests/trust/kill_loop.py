@@ -7,7 +7,7 @@ A round: a controller is started, what it holds is compared with what was acknow
 clients change it until it gets SIGKILL. A change that was answered 2xx must be there; one that was
 not answered is there whole or not at all, an event with its programming. Each start is in a time
 zone of its own in which a minute is about to begin: mostly the same minute of the same day again,
-so that whatever fires comes up many times over. What the events do is to append a line to a file:
+so that whatever fires comes up many times over. After 250 rounds comes another project. What the events do is to append a line to a file:
 none may stand there twice for one day, and each has its row in the journal.
 
   VEXALINK_PROGRAM=build/release/bin/vexalink tests/trust/kill_loop.py --rounds 1000
@@ -32,6 +32,7 @@ import serving
 
 CLIENTS = 4
 MOST_EVENTS = 12  # of one client
+ROUNDS_OF_A_PROJECT = 250  # a journal keeps 100,000 rows; all of them are wanted at the end
 BREAKS = (OSError, http.client.HTTPException)
 
 
@@ -229,6 +230,7 @@ def compare(clients, held):
 
 class Loop:
     def __init__(self, folder, seed):
+        self.seed = seed
         self.chance = random.Random(seed)
         self.project = folder / "project.db"
         self.lines = folder / "lines"
@@ -354,33 +356,39 @@ class Loop:
         database.close()
 
 
+def live(loop, rounds):
+    print(f"seed {loop.seed}", flush=True)
+    for number in range(1, rounds + 1):
+        try:
+            loop.round()
+        except Exception:
+            print(f"round {number} of seed {loop.seed}:", file=sys.stderr)
+            raise
+        if number % 50 == 0:
+            print(f"{number} rounds, {dict(loop.counts)}", flush=True)
+    loop.finish()
+    return collections.Counter(loop.counts)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--rounds", type=int, default=1000)
     parser.add_argument("--seed", type=int, default=int(time.time()))
     parser.add_argument("--keep", type=pathlib.Path, help="an empty folder; kept")
     options = parser.parse_args()
+    counts = collections.Counter()
     with tempfile.TemporaryDirectory() as temporary:
-        folder = options.keep or pathlib.Path(temporary)
-        folder.mkdir(exist_ok=True)
-        print(f"seed {options.seed}", flush=True)
-        loop = Loop(folder, options.seed)
-        for number in range(1, options.rounds + 1):
-            try:
-                loop.round()
-            except Exception:
-                print(f"round {number} of seed {options.seed}:", file=sys.stderr)
-                raise
-            if number % 50 == 0:
-                print(f"{number} rounds, {dict(loop.counts)}", flush=True)
-        loop.finish()
-        counts = dict(loop.counts)
-        print(f"{options.rounds} rounds, {counts}", flush=True)
-        # A loop in which nothing happens proves nothing.
-        for what in ("changes", "compared", "cut off", "acted on"):
-            if not counts.get(what):
-                print(f"no {what} in all these rounds", file=sys.stderr)
-                return 1
+        for begin in range(0, options.rounds, ROUNDS_OF_A_PROJECT):
+            folder = (options.keep or pathlib.Path(temporary)) / str(begin)
+            folder.mkdir(parents=True, exist_ok=True)
+            rounds = min(ROUNDS_OF_A_PROJECT, options.rounds - begin)
+            counts += live(Loop(folder, options.seed + begin), rounds)
+    print(f"{options.rounds} rounds, {dict(counts)}", flush=True)
+    # A loop in which nothing happens proves nothing.
+    for what in ("changes", "compared", "cut off", "acted on"):
+        if not counts[what]:
+            print(f"no {what} in all these rounds", file=sys.stderr)
+            return 1
     return 0
 
 
