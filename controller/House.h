@@ -44,6 +44,18 @@ class IHouseListener {
   ~IHouseListener() = default;
 };
 
+/// "added", "modified" or "deleted", as the journal and the stream name it.
+inline const char* ChangeName(IHouseListener::Change change) {
+  switch (change) {
+    case IHouseListener::Change::kAdded:
+      return "added";
+    case IHouseListener::Change::kDeleted:
+      return "deleted";
+    default:
+      return "modified";
+  }
+}
+
 /// What has been counted since the controller started.
 struct HouseCounters {
   /// By reason: "timer", "caught-up", "by-hand".

@@ -17,17 +17,6 @@ namespace {
 /// The programming of an event, as `EmRemoveByOwner` counts owners.
 constexpr int kOwnerIsEvent = 3;
 
-const char* ReasonOf(IHouseListener::Change change) {
-  switch (change) {
-    case IHouseListener::Change::kAdded:
-      return "added";
-    case IHouseListener::Change::kDeleted:
-      return "deleted";
-    default:
-      return "modified";
-  }
-}
-
 CommandMessage::Params EventParams(const EventElement& event) {
   return {{"EVENT_XML", MakeEventElement(event)->ToString()}};
 }
@@ -109,12 +98,13 @@ void Controller::TakeUpAdded(unsigned long eventId, const ChangeFacts& facts) {
 }
 
 void Controller::TellChange(const Notice& notice, const ChangeFacts& facts) {
-  JournalRow row = NewRow("change", facts.reason.empty() ? ReasonOf(notice.change) : facts.reason);
+  JournalRow row =
+      NewRow("change", facts.reason.empty() ? ChangeName(notice.change) : facts.reason);
   row.event = notice.event;
   row.actor = facts.actor;
   row.before = facts.before;
   // What an event does stays as it is where only the event is changed.
-  const bool modified = row.reason == ReasonOf(IHouseListener::Change::kModified);
+  const bool modified = row.reason == ChangeName(IHouseListener::Change::kModified);
   row.after = modified ? EventText(notice.event) : WholeEventText(notice.event);
   const EventElement* event = desk_.KnownEvent(notice.event);
   row.description = event == nullptr ? facts.description : event->description;

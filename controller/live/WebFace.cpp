@@ -10,21 +10,6 @@
 
 namespace controller {
 
-namespace {
-
-const char* ChangeName(IHouseListener::Change change) {
-  switch (change) {
-    case IHouseListener::Change::kAdded:
-      return "added";
-    case IHouseListener::Change::kDeleted:
-      return "deleted";
-    default:
-      return "modified";
-  }
-}
-
-}  // namespace
-
 WebFace::WebFace(event_base* base, House& house, const WebOptions& options,
                  const std::string& project)
     : house_(house),
