@@ -21,11 +21,15 @@ async function tried(work) {
 }
 
 export function runNow(event) {
-  holdThen(t('deed.running', event), () =>
-    tried(async () => {
-      await api.post(`/events/${event.id}/run`, undefined, {keepalive: true});
-      notice(t('deed.ran', event));
-    }),
+  holdThen(
+    t('deed.running', event),
+    t('deed.atOnce'),
+    () =>
+      tried(async () => {
+        await api.post(`/events/${event.id}/run`, undefined, {keepalive: true});
+        notice(t('deed.ran', event));
+      }),
+    () => notice(t('deed.calledOff', event)),
   );
 }
 

@@ -6,6 +6,7 @@ import {t} from './locale.js';
 const PLAIN_MS = 8000;
 const UNDO_MS = 30000;
 const RUN_HOLD_S = 4;
+const SHOWN = 4;
 
 const shelf = () => document.getElementById('notices');
 let undoLatest = null;
@@ -19,9 +20,10 @@ export function undo() {
 
 /**
  * Says `text` for a while, longer as long as somebody points at it. `undo` is offered as a button
- * and taken once. Answers with what takes the notice away.
+ * and taken once. One that `waits` for an answer stays until it is closed: `choices` are its buttons.
+ * Answers with what takes the notice away.
  */
-export function notice(text, {kind = 'plain', undo: takeBack, label, lasts} = {}) {
+export function notice(text, {kind = 'plain', undo: takeBack, choices, waits = false} = {}) {
   let timer;
   const element = h('div', {class: `notice ${kind}`});
   const close = () => {
@@ -44,21 +46,29 @@ export function notice(text, {kind = 'plain', undo: takeBack, label, lasts} = {}
     ...[
       kind === 'bad' && icon('warning'),
       h('p', null, text),
-      once && button(label ?? t('undo'), once, {kind: 'small', 'data-key': 'undo'}),
-      iconButton(t('dismiss'), 'missed', close),
-    ].filter(Boolean),
+      choices,
+      once && !waits && button(t('undo'), once, {kind: 'small', 'data-key': 'undo'}),
+      !waits && iconButton(t('dismiss'), 'missed', close),
+    ]
+      .flat()
+      .filter(Boolean),
   );
   const wait = () => {
     clearTimeout(timer);
-    timer = setTimeout(close, lasts ?? (once ? UNDO_MS : PLAIN_MS));
+    timer = setTimeout(close, once ? UNDO_MS : PLAIN_MS);
   };
-  for (const name of ['pointerenter', 'focusin'])
-    element.addEventListener(name, () => clearTimeout(timer));
-  for (const name of ['pointerleave', 'focusout']) element.addEventListener(name, wait);
+  const fades = kind !== 'bad' && !waits;
+  if (fades) {
+    for (const name of ['pointerenter', 'focusin'])
+      element.addEventListener(name, () => clearTimeout(timer));
+    for (const name of ['pointerleave', 'focusout']) element.addEventListener(name, wait);
+  }
   shelf().append(element);
-  while (shelf().children.length > 4) shelf().firstElementChild.remove();
+  // What is still to be answered stays, whatever comes.
+  const others = [...shelf().querySelectorAll('.notice:not(.waiting)')];
+  for (const old of others.slice(0, -SHOWN)) old.remove();
   if (once) undoLatest = once;
-  if (kind !== 'bad') wait();
+  if (fades) wait();
   return close;
 }
 
@@ -67,8 +77,11 @@ export function failed(error) {
   notice(error.message, {kind: 'bad'});
 }
 
-/** Does `work` after a few seconds, unless it is called off meanwhile. */
-export function holdThen(text, work) {
+/**
+ * Does `work` after a few seconds, or at once where that is chosen, unless it is called off meanwhile;
+ * `calledOff()` then. `text` says that it has not been done yet.
+ */
+export function holdThen(text, atOnce, work, calledOff) {
   let left = RUN_HOLD_S;
   let over = false;
   const finish = (doIt) => {
@@ -77,13 +90,28 @@ export function holdThen(text, work) {
     clearInterval(timer);
     removeEventListener('pagehide', now);
     close();
-    if (doIt) work();
+    (doIt ? work : calledOff)();
   };
   const now = () => finish(true);
+  const not = () => finish(false);
   // Whoever leaves the page has not called it off.
   addEventListener('pagehide', now);
-  const close = notice(text, {undo: () => finish(false), lasts: RUN_HOLD_S * 1000 + 5000});
-  const timer = setInterval(() => --left <= 0 && now(), 1000);
+  // Not read out each second.
+  const count = h('span', {'class': 'seconds', 'aria-hidden': 'true'}, String(left));
+  const close = notice(text, {
+    kind: 'waiting',
+    undo: not,
+    waits: true,
+    choices: [
+      count,
+      button(atOnce, now, {'kind': 'small', 'data-key': 'at-once'}),
+      button(t('cancel'), not, {'kind': 'small', 'data-key': 'undo'}),
+    ],
+  });
+  const timer = setInterval(() => {
+    count.textContent = String(--left);
+    if (left <= 0) now();
+  }, 1000);
 }
 
 /**
@@ -116,7 +144,14 @@ export function dialog(title, fill, kind = '') {
       giveFocusBack(before, key);
       resolve(answer);
     });
-    element.addEventListener('click', (event) => event.target === element && close());
+    // Its own edge is part of it; and a selection that is dragged out of it ends outside.
+    const beside = ({target, clientX: x, clientY: y}) => {
+      const {left, right, top, bottom} = element.getBoundingClientRect();
+      return target === element && (x < left || x > right || y < top || y > bottom);
+    };
+    let begunBeside = false;
+    element.addEventListener('pointerdown', (event) => (begunBeside = beside(event)));
+    element.addEventListener('click', (event) => begunBeside && beside(event) && close());
     document.body.append(element);
     element.showModal();
     element.querySelector('[autofocus]')?.focus();

@@ -79,7 +79,9 @@ export const strings = {
     'countdown': '{m}:{s} min',
 
     'deed.on': '{deed}: {description}',
-    'deed.running': 'Running “{description}” in a moment',
+    'deed.running': '“{description}” has not run yet; it runs in a few seconds',
+    'deed.atOnce': 'Run at once',
+    'deed.calledOff': '“{description}” was not run',
     'deed.ran': '“{description}” was run',
     'deed.pressed': 'The button of “{description}” was pressed',
     'deed.skipped': 'The next firing of “{description}” will do nothing',
@@ -603,7 +605,9 @@ export const strings = {
     'countdown': '{m}:{s} Min.',
 
     'deed.on': '{deed}: {description}',
-    'deed.running': '„{description}“ wird gleich ausgeführt',
+    'deed.running': '„{description}“ ist noch nicht ausgeführt; das geschieht in wenigen Sekunden',
+    'deed.atOnce': 'Sofort ausführen',
+    'deed.calledOff': '„{description}“ wurde nicht ausgeführt',
     'deed.ran': '„{description}“ wurde ausgeführt',
     'deed.pressed': 'Die Taste von „{description}“ wurde gedrückt',
     'deed.skipped': 'Das nächste Mal tut „{description}“ nichts',

@@ -3,7 +3,7 @@
 import assert from 'node:assert/strict';
 import test, {after, before} from 'node:test';
 
-import {closeBrowser, dayFromNow, open, openBrowser, until} from '../browser.mjs';
+import {closeBrowser, dayFromNow, findings, open, openBrowser, until} from '../browser.mjs';
 import {House} from '../house.mjs';
 
 before(openBrowser);
@@ -234,12 +234,49 @@ test('an event that is run is called off in time, and runs if it is not', () =>
         ({reason}) => reason === 'by-hand',
       );
     const page = await open(house, `#/events/${id}`);
-    await page.getByRole('button', {name: 'Run now'}).click();
-    await page.getByRole('button', {name: 'Undo'}).click();
-    await page.getByRole('button', {name: 'Run now'}).click();
+    const run = page.getByRole('button', {name: 'Run now'});
+    await run.click();
+    const notice = page.locator('.notice.waiting');
+    await notice.getByText('“By hand” has not run yet').waitFor();
+    await notice.evaluate((element) =>
+      Promise.all(element.getAnimations().map(({finished}) => finished)),
+    );
+    assert.deepEqual(await findings(page), []);
+    await notice.getByRole('button', {name: 'Cancel'}).click();
+    await page.getByText('“By hand” was not run').waitFor();
+    await run.click();
+    await page.keyboard.press('Control+z');
+    await notice.waitFor({state: 'detached'});
+    await run.click();
     await page.getByText('“By hand” was run').waitFor();
     await until(async () => (await fired()).length, 'the firing in the journal');
-    assert.equal((await fired()).length, 1, 'the first one was called off');
+    assert.equal((await fired()).length, 1, 'the first ones were called off');
+
+    await run.click();
+    const begun = Date.now();
+    await notice.getByRole('button', {name: 'Run at once'}).click();
+    await until(async () => (await fired()).length === 2, 'the second firing');
+    const [latest] = await fired();
+    assert.ok(Date.parse(latest.at) < begun + 3000, 'it was not waited for');
+    await page.done();
+  }));
+
+test('a dialog stays open as long as nobody clicks beside it', () =>
+  withHouse(async (house) => {
+    const {id} = await house.ask('POST', '/events', daily('Edge', 600));
+    const page = await open(house, `#/events/${id}`);
+    await page.getByRole('button', {name: 'Pause…'}).click();
+    const dialog = page.getByRole('dialog');
+    const box = await dialog.boundingBox();
+    await page.mouse.click(box.x + 4, box.y + box.height / 2);
+    // As one who marks a text goes too far.
+    await page.mouse.move(box.x + box.width / 2, box.y + 90);
+    await page.mouse.down();
+    await page.mouse.move(box.x - 60, box.y + 90, {steps: 4});
+    await page.mouse.up();
+    assert.equal(await dialog.count(), 1);
+    await page.mouse.click(box.x - 60, box.y);
+    await dialog.waitFor({state: 'detached'});
     await page.done();
   }));
 
