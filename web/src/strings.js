@@ -182,6 +182,9 @@ export const strings = {
     'calendar.empty': 'Nothing occurs in these days.',
     'chip.sunrise': 'by sunrise',
     'chip.sunset': 'by sunset',
+    'calendar.hint':
+      'To move an event, drag it, or press Shift and an arrow key on it.',
+    'calendar.hintTouch': 'To move an event, hold it and drag it, or tap it.',
     'clocks.forward': ({n}) => `clocks +${hoursBy(n)}`,
     'clocks.back': ({n}) => `clocks −${hoursBy(n)}`,
     'sheet.this': '{date}, {time}',
@@ -719,6 +722,9 @@ export const strings = {
     'move.to': 'Verschieben auf',
     'move.at': 'um',
     'move.what': 'Was wird verschoben?',
+    'calendar.hint':
+      'Ein Ereignis wird durch Ziehen verschoben, oder mit Umschalt und Pfeiltaste.',
+    'calendar.hintTouch': 'Ein Ereignis wird durch Halten und Ziehen verschoben, oder nach Antippen.',
     'move.every': 'Jedes Mal',
     'move.start': 'Der Beginn: es fängt dort an und kommt vorher nicht',
     'move.time': 'Die Zeit',

@@ -169,6 +169,83 @@ test('in the week it is dragged to another time, and may leave the sun for the c
     await page.done();
   }));
 
+test('an event is moved by the arrow keys, and the focus goes with it', () =>
+  withHouse(async (house) => {
+    const day = dayFromNow(3);
+    const {id} = await house.ask(
+      'POST',
+      '/events',
+      daily('Stepping', 600, {start: day, repeat: null}),
+    );
+    const page = await open(house, `#/calendar?view=day&date=${day}`);
+    const chip = (on) => page.locator(`[data-key="${on}-${id}"]`);
+    const focused = () => page.evaluate(() => document.activeElement.dataset.key);
+    const event = () => house.ask('GET', `/events/${id}`);
+    await chip(day).focus();
+    await page.keyboard.press('Shift+ArrowDown');
+    await until(async () => (await event()).time.minutes === 615, 'a quarter of an hour later');
+    await chip(day).getByText('10:15').waitFor();
+    await until(async () => (await focused()) === `${day}-${id}`, 'the focus on it');
+
+    await page.goto(`${house.url}#/calendar?view=month&date=${day}`);
+    await page.locator('.month').waitFor();
+    await chip(day).focus();
+    const next = dayFromNow(4);
+    await page.keyboard.press('Shift+ArrowRight');
+    await chip(next).waitFor();
+    assert.equal((await event()).start, next);
+    await until(async () => (await focused()) === `${next}-${id}`, 'the focus on the other day');
+    await page.keyboard.press('Shift+ArrowDown');
+    await until(async () => (await event()).start === dayFromNow(11), 'a week later');
+    await page.locator('.notice').nth(2).waitFor();
+    await page.keyboard.press('Control+z');
+    await until(async () => (await event()).start === next, 'the day before that');
+    await page.done();
+  }));
+
+test('a finger that holds an event drags it, and one that does not scrolls', () =>
+  withHouse(async (house) => {
+    const day = dayFromNow(3);
+    const {id} = await house.ask(
+      'POST',
+      '/events',
+      daily('Held', 600, {start: day, repeat: null}),
+    );
+    const page = await open(house, `#/calendar?view=day&date=${day}`, {
+      viewport: {width: 390, height: 844},
+      hasTouch: true,
+      isMobile: true,
+    });
+    const chip = page.locator(`[data-key="${day}-${id}"]`);
+    await chip.scrollIntoViewIfNeeded();
+    const touch = await page.context().newCDPSession(page);
+    const send = (type, x, y) =>
+      touch.send('Input.dispatchTouchEvent', {
+        type,
+        touchPoints: type === 'touchEnd' ? [] : [{x, y}],
+      });
+    const drag = async (hold) => {
+      const {x, y} = await chip.boundingBox();
+      await send('touchStart', x + 40, y + 10);
+      if (hold) await page.locator('.ghost').waitFor();
+      for (const way of [15, 35, 55, 75, 88]) await send('touchMove', x + 40, y + 10 + way);
+      await send('touchEnd');
+    };
+    await drag(true);
+    await until(
+      async () => (await house.ask('GET', `/events/${id}`)).time.minutes === 720,
+      'two hours later',
+    );
+    await chip.getByText('12:00').waitFor();
+    const scrolled = () => page.locator('.scroll').evaluate((box) => box.scrollTop);
+    const before = await scrolled();
+    await drag(false);
+    await until(async () => (await scrolled()) !== before, 'the hours to scroll');
+    assert.equal(await page.locator('.ghost').count(), 0);
+    assert.equal((await house.ask('GET', `/events/${id}`)).time.minutes, 720);
+    await page.done();
+  }));
+
 test('a drag is called off with Escape', () =>
   withHouse(async (house) => {
     const day = dayFromNow(3);

@@ -10,10 +10,12 @@ import {moved} from '../moves.js';
 import {dialog, failed} from '../notices.js';
 import {sentence} from '../sentence.js';
 
-/** `target` {date, minutes} is where it was dropped; null: that is asked too. */
+/**
+ * `target` {date, minutes} is where it was dropped; null: that is asked too. Whether it was moved.
+ */
 export async function askMove(occurrence, target) {
   const event = house.events.get(occurrence.event);
-  if (!event || event.odd) return;
+  if (!event || event.odd) return false;
   // Nothing to ask: it comes once, and by the clock.
   if (
     target &&
@@ -25,7 +27,7 @@ export async function askMove(occurrence, target) {
   const after = await dialog(t('move.title', event), (close) =>
     form(event, occurrence, target, close),
   );
-  if (after) await apply(event, after);
+  return Boolean(after) && apply(event, after);
 }
 
 /** Where it happens and the day by which its rule counts may be a day apart; they stay so. */
@@ -40,8 +42,8 @@ function afterMove(event, occurrence, target, how, byClock) {
   );
 }
 
-async function apply(event, after) {
-  await replaceEvent(
+const apply = (event, after) =>
+  replaceEvent(
     event,
     after,
     t('move.done', {
@@ -49,7 +51,6 @@ async function apply(event, after) {
       sentence: sentence(after, house.date()),
     }),
   );
-}
 
 function form(event, from, target, close) {
   const date = h('input', {type: 'date', value: target?.date ?? from.day, required: true});

@@ -6,6 +6,8 @@ import {house} from '../house.js';
 import {t, timeText} from '../locale.js';
 import {baseIcon} from '../sheet.js';
 
+const MOVING_KEYS = ['Left', 'Right', 'Up', 'Down'].map((way) => `Shift+Arrow${way}`).join(' ');
+
 /** What became of an occurrence, or what keeps it from acting: a name of a state, or null. */
 export function stateOf({event, date, day}) {
   if (date === house.today.date) {
@@ -30,6 +32,7 @@ export function chip(occurrence, open) {
       'data-key': `${day}-${event}`,
       title: `${timeText(minutes)} ${description}`,
       'data-drag': odd ? null : '',
+      'aria-keyshortcuts': odd ? null : MOVING_KEYS,
       onclick: () => open(occurrence),
     },
     icon(baseIcon(base)),

@@ -1,6 +1,7 @@
-// Dragging a chip to another day or time, by mouse, pen, or a long press of a finger. What it does can
-// also be done by "Move" of the event's dialog, without dragging.
+// Dragging a chip to another day or time, by mouse, pen, a long press of a finger, or by the arrow keys
+// with Shift. What it does can also be done by "Move" of the event's dialog, without dragging.
 
+import {addDays} from '../dates.js';
 import {h} from '../dom.js';
 import {shortDate, timeText} from '../locale.js';
 import {HOUR_PX} from './hours.js';
@@ -9,10 +10,22 @@ const FAR_PX = 5;
 const PRESS_MS = 450;
 const STEP_MINUTES = 5;
 const EDGE_PX = 36;
+const KEY_MINUTES = 15;
+
+/** Where an arrow key puts an occurrence: sideways by days, up and down by the rows that are shown. */
+function steppedTo({day, minutes}, key, byHours) {
+  const sideways = {ArrowLeft: -1, ArrowRight: 1}[key];
+  if (sideways) return {date: addDays(day, sideways), minutes};
+  const rows = {ArrowUp: -1, ArrowDown: 1}[key];
+  if (!rows) return null;
+  if (!byHours) return {date: addDays(day, 7 * rows), minutes};
+  const at = minutes + KEY_MINUTES * rows;
+  return {date: day, minutes: Math.max(0, Math.min(1439, at))};
+}
 
 /**
- * Watches `stage`; `dropped(occurrence, {date, minutes})` where one was put elsewhere. Where a day has
- * no hours the time stays.
+ * Watches `stage`; `dropped(occurrence, {date, minutes}, byKey)` where one was put elsewhere. Where a
+ * day has no hours the time stays.
  */
 export function dragging(stage, dropped) {
   let held = null; // {chip, x, y, timer, ghost, target}
@@ -124,6 +137,15 @@ export function dragging(stage, dropped) {
   for (const [name, listener] of Object.entries(listeners)) {
     (name === 'pointerdown' ? stage : window).addEventListener(name, listener);
   }
+  stage.addEventListener('keydown', (event) => {
+    const chip = event.target.closest?.('[data-drag]');
+    if (!chip || !event.shiftKey || event.ctrlKey || event.altKey || event.metaKey) return;
+    const byHours = chip.closest('[data-hours]') !== null;
+    const target = steppedTo(chip.occurrence, event.key, byHours);
+    if (!target) return;
+    event.preventDefault();
+    dropped(chip.occurrence, target, true);
+  });
   // A finger that drags does not scroll.
   const noScroll = (event) => held?.ghost && event.preventDefault();
   stage.addEventListener('touchmove', noScroll, {passive: false});

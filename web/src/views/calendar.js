@@ -70,6 +70,8 @@ function titleOf(kind, day) {
 /** "phone" shows less of a day. */
 const isNarrow = () => matchMedia('(max-width: 640px)').matches;
 
+const isTouched = () => matchMedia('(pointer: coarse)').matches;
+
 export function calendar(root, {params}) {
   const kept = sessionStorage.getItem(KEPT);
   let kind =
@@ -82,6 +84,7 @@ export function calendar(root, {params}) {
   const title = h('h1', {tabindex: '-1', 'aria-live': 'polite'});
   const tabs = h('div', {class: 'segments', role: 'group', 'aria-label': t('calendar.view')});
   const stage = h('div', {class: 'stage'});
+  const hint = h('p', {class: 'hint muted'}, t(isTouched() ? 'calendar.hintTouch' : 'calendar.hint'));
   const go = (newKind, newDay) => {
     kind = newKind;
     day = within(newDay);
@@ -105,9 +108,15 @@ export function calendar(root, {params}) {
       h('a', {class: 'button primary', href: '#/events/new'}, icon('plus'), t('new')),
     ),
     stage,
+    hint,
   );
 
-  const drag = dragging(stage, (occurrence, target) => askMove(occurrence, target));
+  /** What was moved by its keys: the focus goes with it. */
+  let followed = null;
+  const drag = dragging(stage, async (occurrence, target, byKey) => {
+    followed = byKey ? `${target.date}-${occurrence.event}` : null;
+    if (!(await askMove(occurrence, target))) followed = null;
+  });
   const open = (occurrence) =>
     showEvent(occurrence.event, {
       occurrence,
@@ -153,7 +162,9 @@ export function calendar(root, {params}) {
       };
       const scroll = stage.querySelector('.scroll')?.scrollTop;
       replace(stage, {month, week: hours, day: hours, agenda}[kind](context));
+      hint.hidden = !stage.querySelector('[data-drag]');
       afterDrawing(scroll);
+      follow();
     } catch (error) {
       failed(error);
     }
@@ -163,6 +174,13 @@ export function calendar(root, {params}) {
     const box = stage.querySelector('.scroll');
     if (!box) return;
     box.scrollTop = scroll ?? Math.max(0, Number(box.dataset.scroll));
+  }
+
+  function follow() {
+    const chip = followed && stage.querySelector(`[data-key="${CSS.escape(followed)}"]`);
+    if (!chip || document.querySelector('dialog[open]')) return;
+    followed = null;
+    chip.focus();
   }
 
   let waiting = null;
