@@ -131,6 +131,34 @@ test('what is typed is not left behind by accident', async () => {
     .click();
   await page.locator('.month, .agendaday').first().waitFor();
   await page.done();
+test('what is typed while the version of another is on its way is kept', async () => {
+  const {id} = await house.ask('POST', '/events', {
+    description: 'Overtaken',
+    time: {base: 'clock', minutes: 600},
+    repeat: {unit: 'day'},
+  });
+  const page = await open(house, `#/events/${id}`);
+  const time = page.getByLabel('Time of day');
+  await time.waitFor();
+  let asked = false;
+  let answer;
+  const typed = new Promise((resolve) => (answer = resolve));
+  await page.route(`**/api/v1/events/${id}`, async (route) => {
+    asked = true;
+    await typed;
+    await route.continue();
+  });
+  await house.ask('PATCH', `/events/${id}`, {time: {base: 'clock', minutes: 720}});
+  await until(() => asked, 'the event to be asked for again');
+  await time.fill('13:45');
+  answer();
+  await page.getByText('It was just changed elsewhere.').waitFor();
+  assert.equal(await time.inputValue(), '13:45');
+  await page.getByRole('button', {name: 'Show the other'}).click();
+  await until(async () => (await time.inputValue()) === '12:00', 'the version of the other');
+  await page.done();
+});
+
 });
 
 test('a disk that takes nothing is told, also to who comes later, until it does', async () => {

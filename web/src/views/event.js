@@ -54,7 +54,8 @@ export function event(root, {id}) {
     on: {
       events: (detail) => page.changed(detail),
       project: () => page.head.draw(),
-      replaced: () => !page.dirty && page.read(),
+      today: () => page.head.draw(),
+      replaced: () => page.read({kept: true}),
     },
     end: () => page.form?.end(),
     dirty: () => page.dirty,
@@ -97,9 +98,12 @@ class EventPage {
     location.hash = '#/events';
   }
 
-  async read() {
+  /** Shows it as it is now. `kept`: but for what was typed meanwhile, and for what is shown already. */
+  async read({kept = false} = {}) {
     try {
       const {value, tag} = await api.getVersioned(`/events/${this.#id}`);
+      if (kept && tag === this.#tag) return;
+      if (kept && this.dirty) return tellOfClash(this.body, () => this.read());
       this.#tag = tag;
       this.#draw(value);
     } catch (error) {
@@ -166,8 +170,7 @@ class EventPage {
     this.drawBar();
     if (this.#saving || detail?.id !== this.#id) return;
     if (!['modified', 'added', 'deleted'].includes(detail.change)) return;
-    if (this.dirty) tellOfClash(this.body, () => this.read());
-    else this.read();
+    this.read({kept: true});
   }
 }
 

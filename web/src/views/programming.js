@@ -19,7 +19,8 @@ export function programming(root, {id}) {
     on: {
       events: (detail) => page.changed(detail),
       project: () => page.head.draw(),
-      replaced: () => !page.dirty && page.read(),
+      today: () => page.head.draw(),
+      replaced: () => page.read({kept: true}),
     },
     dirty: () => page.dirty,
     leaves: () => !page.dirty || askLeave(),
@@ -48,9 +49,12 @@ class ProgrammingPage {
     this.body = h('form', {class: 'programming', novalidate: true, onsubmit});
   }
 
-  async read() {
+  /** Shows it as it is now. `kept`: but for what was typed meanwhile, and for what is shown already. */
+  async read({kept = false} = {}) {
     try {
       const {value, tag} = await api.getVersioned(this.#path);
+      if (kept && tag === this.#tag) return;
+      if (kept && this.dirty) return tellOfClash(this.body, () => this.read());
       this.#take(value, tag);
     } catch (error) {
       if (error.status === 404) replace(this.body, h('p', null, t('event.goneText')));
@@ -249,7 +253,6 @@ class ProgrammingPage {
   changed(detail) {
     this.head.draw();
     if (this.#saving || detail?.id !== this.#id || detail.change !== 'programming') return;
-    if (this.dirty) tellOfClash(this.body, () => this.read());
-    else this.read();
+    this.read({kept: true});
   }
 }
