@@ -64,6 +64,22 @@ test('the journal grows while one reads it', async () => {
   await page.done();
 });
 
+test('the journal from one day to another has the rows of both, and no others', async () => {
+  const {id} = await house.ask('POST', '/events', {
+    description: 'Dated',
+    time: {base: 'clock', minutes: 600},
+    repeat: {unit: 'day'},
+  });
+  const page = await open(house, `#/journal?event=${id}&to=${dayFromNow(-1)}`);
+  await page.getByText('There is no such row.').waitFor();
+  await page.getByLabel('to', {exact: true}).fill(dayFromNow(0));
+  await page.locator('.entry.change').waitFor();
+  await page.getByLabel('from', {exact: true}).fill(dayFromNow(1));
+  await page.getByLabel('to', {exact: true}).fill(dayFromNow(1));
+  await page.getByText('There is no such row.').waitFor();
+  await page.done();
+});
+
 test('two pages see what the other does', async () => {
   const one = await open(house, '#/events');
   const other = await open(house, `#/calendar?view=agenda&date=${dayFromNow(0)}`);

@@ -1,7 +1,7 @@
 // What happened, the newest first, with filters; from a row to its event.
 
 import * as api from '../api.js';
-import {addDays, wall} from '../dates.js';
+import {wall} from '../dates.js';
 import {button, h, icon, replace} from '../dom.js';
 import {house} from '../house.js';
 import {hasText, shortDate, t, timeText} from '../locale.js';
@@ -143,10 +143,8 @@ export function journal(root, {params}) {
   async function read(before) {
     asked?.abort();
     asked = new AbortController();
-    // `to` is a day and means the whole of it.
-    const to = wanted.to && addDays(wanted.to, 1);
     try {
-      const answer = await api.get(`/journal${api.query({...wanted, to, before, limit: PAGE})}`, {
+      const answer = await api.get(`/journal${api.query({...wanted, before, limit: PAGE})}`, {
         signal: asked.signal,
       });
       rows = before ? rows.concat(answer.rows) : answer.rows;
