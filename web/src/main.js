@@ -227,20 +227,33 @@ function drawFrame() {
   drawConnection();
 }
 
+/** What there is to say where the house cannot be read; what will pass is tried again by itself. */
+function drawFailure(error) {
+  const waiting = error.kind === 'not-ready';
+  const passes = waiting || error.status === 0;
+  if (passes) setTimeout(() => start().catch(failed), START_AGAIN_MS);
+  const again = button(t('start.again'), () => location.reload(), {
+    'kind': 'primary',
+    'data-key': 'again',
+  });
+  replace(
+    main,
+    h('h1', {tabindex: '-1'}, t(waiting ? 'start.waiting' : 'start.failed')),
+    h(
+      'div',
+      {class: 'card stack'},
+      h('p', {class: waiting ? 'lead' : 'error'}, error.message),
+      passes && h('p', {class: 'muted'}, t('start.byItself')),
+      h('div', {class: 'row'}, again),
+    ),
+  );
+}
+
 async function start() {
-  readSettings();
-  api.onUnauthorized(askForToken);
   try {
     await house.start();
   } catch (error) {
-    // A controller that waits for its clock begins by itself.
-    if (error.kind === 'not-ready') setTimeout(() => location.reload(), START_AGAIN_MS);
-    return replace(
-      main,
-      h('h1', {tabindex: '-1'}, t('start.failed')),
-      h('p', {class: 'error'}, error.message),
-      button(t('start.again'), () => location.reload(), {kind: 'primary'}),
-    );
+    return drawFailure(error);
   }
   listen();
   drawFrame();
@@ -254,4 +267,6 @@ async function start() {
   );
 }
 
+readSettings();
+api.onUnauthorized(askForToken);
 start().catch(failed);

@@ -42,6 +42,8 @@ export const strings = {
       'The controller cannot be reached. What is shown may be old; the page goes on trying.',
     'alarm.saving': 'Changes are in effect but cannot be saved at present: {why}',
     'start.failed': 'The controller does not answer',
+    'start.waiting': 'The controller is not ready yet',
+    'start.byItself': 'This page goes on by itself as soon as that is over.',
     'start.again': 'Try again',
     'error.offline': 'the controller cannot be reached; nothing was changed',
     'error.status': 'the controller answered with status {status}',
@@ -580,6 +582,8 @@ export const strings = {
       'Diese Steuerung will wissen, wer Sie sind. „vexalink token add NAME“ macht ein Zugangswort; die Seite behält es, bis dieser Reiter geschlossen wird.',
     'token.label': 'Zugangswort',
     'token.do': 'Weiter',
+    'start.waiting': 'Die Steuerung ist noch nicht bereit',
+    'start.byItself': 'Sobald das vorüber ist, geht es hier von selbst weiter.',
 
     'undo': 'Rückgängig',
     'dismiss': 'Ausblenden',

@@ -4,7 +4,7 @@ import assert from 'node:assert/strict';
 import {spawn} from 'node:child_process';
 import test, {after, before} from 'node:test';
 
-import {closeBrowser, dayFromNow, open, openBrowser, until} from '../browser.mjs';
+import {closeBrowser, dayFromNow, findings, open, openBrowser, until} from '../browser.mjs';
 import {House} from '../house.mjs';
 
 let house;
@@ -131,22 +131,6 @@ test('of two who change the same the second is asked', async () => {
   await page.done();
 });
 
-test('what is typed is not left behind by accident', async () => {
-  const page = await open(house, '#/events/new');
-  await page.getByLabel('Name').fill('Half done');
-  await page.getByRole('link', {name: 'Calendar'}).click();
-  await page
-    .getByRole('dialog', {name: 'Leave without saving?'})
-    .getByRole('button', {name: 'Cancel'})
-    .click();
-  assert.equal(await page.getByLabel('Name').inputValue(), 'Half done');
-  await page.getByRole('link', {name: 'Calendar'}).click();
-  await page
-    .getByRole('dialog', {name: 'Leave without saving?'})
-    .getByRole('button', {name: 'Leave'})
-    .click();
-  await page.locator('.month, .agendaday').first().waitFor();
-  await page.done();
 test('what is typed while the version of another is on its way is kept', async () => {
   const {id} = await house.ask('POST', '/events', {
     description: 'Overtaken',
@@ -175,6 +159,22 @@ test('what is typed while the version of another is on its way is kept', async (
   await page.done();
 });
 
+test('what is typed is not left behind by accident', async () => {
+  const page = await open(house, '#/events/new');
+  await page.getByLabel('Name').fill('Half done');
+  await page.getByRole('link', {name: 'Calendar'}).click();
+  await page
+    .getByRole('dialog', {name: 'Leave without saving?'})
+    .getByRole('button', {name: 'Cancel'})
+    .click();
+  assert.equal(await page.getByLabel('Name').inputValue(), 'Half done');
+  await page.getByRole('link', {name: 'Calendar'}).click();
+  await page
+    .getByRole('dialog', {name: 'Leave without saving?'})
+    .getByRole('button', {name: 'Leave'})
+    .click();
+  await page.locator('.month, .agendaday').first().waitFor();
+  await page.done();
 });
 
 test('a disk that takes nothing is told, also to who comes later, until it does', async () => {
@@ -219,4 +219,30 @@ test('a controller that goes away is missed, and greeted when it is back', async
   await house.restart();
   await page.locator('#alarm').waitFor({state: 'hidden'});
   await page.done();
+});
+
+test('a controller that waits for its clock is waited for, and the page begins by itself', async () => {
+  const waiting = await House.start();
+  try {
+    await waiting.halt();
+    // The clock is behind what the journal says, as after a cold start without a battery.
+    const change =
+      'import sqlite3, sys, time\n' +
+      'c = sqlite3.connect(sys.argv[1])\n' +
+      'c.execute("update journal set at = ? where id = (select max(id) from journal)", (int(time.time()) + 12,))\n' +
+      'c.commit()';
+    const python = spawn('python3', ['-c', change, waiting.file], {stdio: 'inherit'});
+    assert.equal(await new Promise((resolve) => python.once('exit', resolve)), 0);
+    await waiting.restart();
+    const page = await open(waiting, '#/events', {ready: false, expects: /status of 503/});
+    await page.getByRole('heading', {name: 'The controller is not ready yet'}).waitFor();
+    await page.getByText('when the journal was last written').waitFor();
+    assert.deepEqual(await findings(page), []);
+    await page.waitForSelector('html[data-ready]');
+    await page.locator('.events > li').first().waitFor();
+    await page.locator('#connection.live').waitFor();
+    await page.done();
+  } finally {
+    await waiting.stop();
+  }
 });
