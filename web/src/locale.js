@@ -93,8 +93,14 @@ export function t(key, values = {}) {
   const text = strings[language()][key] ?? strings.en[key];
   if (text === undefined) throw new Error(`there is no text "${key}"`);
   if (typeof text === 'function') return text(values);
-  return text.replace(/\{(\w+)\}/g, (whole, name) => values[name] ?? whole);
+  return text.replace(/\{(\w+)\}/g, (whole, name) => isolated(values[name]) ?? whole);
 }
+
+/** A name that is written from right to left, or turns what follows it, keeps to itself. */
+const isolated = (value) =>
+  /[\u0590-\u08ff\u200e\u200f\u202a-\u202e\u2066-\u2069\ufb1d-\ufdff\ufe70-\ufefc]/.test(value)
+    ? `\u2068${value}\u2069`
+    : value;
 
 /** Whether there is a text under `key`. */
 export const hasText = (key) => strings.en[key] !== undefined;

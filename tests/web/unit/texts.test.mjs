@@ -5,9 +5,11 @@ import test from 'node:test';
 import {fileURLToPath} from 'node:url';
 
 import {draftOf, read} from '../../../web/src/draft.js';
+import {house} from '../../../web/src/house.js';
 import {choose, t, timeText} from '../../../web/src/locale.js';
 import {sentence} from '../../../web/src/sentence.js';
 import {strings} from '../../../web/src/strings.js';
+import {becauseText, conditionText} from '../../../web/src/views/conditions.js';
 
 const SOURCES = fileURLToPath(new URL('../../../web/src/', import.meta.url));
 
@@ -170,4 +172,41 @@ test('what cannot be read is said at its field', () => {
     on: new Set(),
   };
   assert.deepEqual(read(weekly).errors, [{pointer: '/repeat/on', detail: t('form.noDays')}]);
+});
+
+test('a condition with a list says what of it decides', () => {
+  choose('language', 'en');
+  const rows = [
+    [{kind: 'month', is: 'ne', months: [12, 1, 2]}, 'the month is neither December nor January nor February'],
+    [{kind: 'month', is: 'ne', months: [12]}, 'the month is not December'],
+    [{kind: 'day', is: 'gt', days: [15, 2]}, 'the day of the month is after the 2nd'],
+    [{kind: 'day', is: 'le', days: [2, 15]}, 'the day of the month is the 15th or before'],
+    [
+      {kind: 'weekday', is: 'gt', days: ['sat', 'sun']},
+      'the weekday is after Sunday, in a week from Sunday on',
+    ],
+    [{kind: 'weekday', is: 'eq', days: ['sat']}, 'the weekday is Saturday'],
+  ];
+  for (const [condition, said] of rows) assert.equal(conditionText(condition), said);
+});
+
+test('why a condition holds is said by the clock of the page, with the seconds that decide', () => {
+  house.project = {now: '2026-11-21T17:00:00+01:00'};
+  house.sun = {polar: null, sunrise: '2026-11-21T07:37:00+01:00', sunset: '2026-11-21T16:07:00+01:00'};
+  choose('clock', '12');
+  const plain = (text) => text.replace(/\s/g, ' ');
+  const after = {kind: 'time', is: 'gt'};
+  assert.equal(plain(becauseText(after, 'it is 12:00:31')), 'it is 12:00:31 PM');
+  const sunny = plain(becauseText({kind: 'time', is: 'day'}, 'it is 00:05'));
+  assert.equal(sunny, 'it is 12:05 AM, the sun rises at 7:37 AM and sets at 4:07 PM');
+  choose('clock', '24');
+  assert.equal(becauseText(after, 'it is 12:00:31'), 'it is 12:00:31');
+});
+
+test('a name that is written from right to left does not turn the text around it', () => {
+  choose('language', 'en');
+  const arabic = '\u0625\u0636\u0627\u0621\u0629';
+  assert.equal(t('deed.ran', {description: arabic}), `“\u2068${arabic}\u2069” was run`);
+  assert.equal(t('deed.ran', {description: '\u202eodd'}), '“\u2068\u202eodd\u2069” was run');
+  assert.equal(t('deed.ran', {description: 'Porch'}), '“Porch” was run');
 });

@@ -15,6 +15,8 @@ import {
 } from './conditions.js';
 
 const WAIT_MS = 250;
+const AGAIN_MS = 20000;
+
 /** `condition` or null; `onChange(condition)` with another. `pointer` is where errors are shown. */
 export function conditionBuilder(condition, onChange) {
   let current = condition;
@@ -24,6 +26,7 @@ export function conditionBuilder(condition, onChange) {
 
   const set = (next) => {
     current = next;
+    verdict.removeAttribute('aria-live');
     onChange(current);
     draw();
     clearTimeout(timer);
@@ -210,6 +213,13 @@ export function conditionBuilder(condition, onChange) {
       replace(verdict, error.message);
     }
   }
+  // What holds now may not in a minute; not read out each time.
+  const again = setInterval(() => {
+    if (!verdict.isConnected) return clearInterval(again);
+    if (document.hidden || !current) return;
+    verdict.setAttribute('aria-live', 'off');
+    test();
+  }, AGAIN_MS);
   draw();
   test();
   return h('div', {class: 'condition'}, controls, verdict);

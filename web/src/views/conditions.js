@@ -1,8 +1,8 @@
 // Conditions: what kinds there are, what each is compared with, and how it is said in words.
 
-import {readClock, WEEKDAYS} from '../dates.js';
+import {readClock, wall, WEEKDAYS} from '../dates.js';
 import {house} from '../house.js';
-import {dateText, language, listText, monthName, t, timeText, weekdayName} from '../locale.js';
+import {dateText, listText, monthName, t, timeText, weekdayName} from '../locale.js';
 
 export const KINDS = ['time', 'weekday', 'day', 'date', 'month', 'year', 'leap'];
 
@@ -97,33 +97,46 @@ export function conditionText(condition) {
   const say = said[kind];
   if (is === 'between')
     return t('if.between', {subject, from: say(condition.from), to: say(condition.to)});
-  const what = condition.days ??
-    condition.months ?? [condition.time ?? condition.date ?? condition.year];
-  return t(`if.${is}`, {subject, what: listText(what.map(say), 'disjunction')});
+  const list = condition.days ?? condition.months;
+  if (!list) return t(`if.${is}`, {subject, what: say(condition.time ?? condition.date ?? condition.year)});
+  const texts = counted(kind, is, list).map(say);
+  if (is === 'ne' && list.length > 1) {
+    return t('if.neither', {subject, what: texts.join(` ${t('if.nor')} `)});
+  }
+  const text = t(`if.${is}`, {subject, what: listText(texts, 'disjunction')});
+  return kind === 'weekday' && is !== 'eq' && is !== 'ne' ? t('if.inWeek', {text}) : text;
 }
 
-/** Why it is so, in the page's own language: the controller says it in English. */
+/** Those of a list that decide: it is enough to be beyond any of them, so the least or the greatest. */
+function counted(kind, is, list) {
+  if (is === 'eq' || is === 'ne') return list;
+  const order = kind === 'weekday' ? WEEKDAYS : [...list].sort((a, b) => a - b);
+  const inOrder = order.filter((one) => list.includes(one));
+  return is === 'gt' || is === 'ge' ? inOrder.slice(0, 1) : inOrder.slice(-1);
+}
+
+/** Why it is so, in the page's own words; the moment is the controller's. */
 export function becauseText({kind, is}, because) {
-  if (language() === 'en') return because;
-  const {day, minutes} = house.wallNow();
+  const {day} = house.wallNow();
   const today = new Date(`${day}T00:00:00Z`);
   switch (kind) {
-    case 'time':
-      return ['day', 'night', 'within'].includes(is) && !house.sun.polar
-        ? t('because.sun', {
-            time: timeText(minutes),
-            rise: timeText(readClock(house.sun.sunrise.slice(11, 16))),
-            set: timeText(readClock(house.sun.sunset.slice(11, 16))),
-          })
-        : t('because.time', {time: timeText(minutes)});
+    case 'time': {
+      const [, clock, seconds = ''] = /(\d\d:\d\d)(:\d\d)?$/.exec(because) ?? [];
+      const minutes = readClock(clock) ?? house.wallNow().minutes;
+      const time = timeText(minutes).replace(/:\d\d/, `$&${seconds}`);
+      const {polar, sunrise, sunset} = house.sun ?? {polar: 'unknown'};
+      if (!['day', 'night', 'within'].includes(is) || polar) return t('because.time', {time});
+      const [rise, set] = [sunrise, sunset].map((moment) => timeText(wall(moment).minutes));
+      return t('because.sun', {time, rise, set});
+    }
     case 'weekday':
-      return t('because.is', {what: weekdayName(today.getUTCDay())});
+      return t('because.today', {what: weekdayName(today.getUTCDay())});
     case 'month':
       return t('because.is', {what: monthName(today.getUTCMonth() + 1)});
     case 'year':
     case 'leap':
       return t('because.is', {what: day.slice(0, 4)});
     default:
-      return t('because.is', {what: dateText(day)});
+      return t('because.today', {what: dateText(day)});
   }
 }
