@@ -5,8 +5,18 @@ import {get, query} from './api.js';
 import {addDays, offsetOf, wall, yearOf} from './dates.js';
 import {Stream} from './stream.js';
 
-const RESYNC_MS = 600000;
+const QUARTER_MS = 900000;
 const TODAY_WAIT_MS = 150;
+
+/** All events, by id. */
+async function readEvents() {
+  const events = new Map();
+  for (;;) {
+    const answer = await get(`/events${query({offset: events.size, limit: 1000})}`);
+    for (const event of answer.events) events.set(event.id, event);
+    if (events.size >= answer.total || answer.events.length === 0) return events;
+  }
+}
 
 class House extends EventTarget {
   project = null;
@@ -32,15 +42,43 @@ class House extends EventTarget {
     new Stream({
       onEvent: (name, data) => this.#heard(name, data),
       onState: (state) => {
+        // What changed between the first look and the first listening was not told.
+        if (this.connection === 'connecting' && state === 'live') this.#lookAgain();
         this.connection = state;
         this.tell('connection');
       },
       onGap: () => this.#readAgain(),
     }).start();
-    setInterval(() => this.#readProject().catch(() => {}), RESYNC_MS);
+    this.#keepTime();
     document.addEventListener('visibilitychange', () => {
       if (!document.hidden) this.#readProject().catch(() => {});
     });
+  }
+
+  /** Clocks are changed on a quarter of an hour: then the offset may have become another. */
+  #keepTime() {
+    const wait = QUARTER_MS - (this.nowMs() % QUARTER_MS) + 500;
+    setTimeout(() => {
+      this.#readProject().catch(() => {});
+      this.#keepTime();
+    }, wait);
+  }
+
+  /** Tells of what has become another since it was read, and of nothing else. */
+  #lookAgain() {
+    const same = (one, other) => JSON.stringify(one) === JSON.stringify(other);
+    const look = async () => {
+      const [events, today] = await Promise.all([readEvents(), get('/today')]);
+      if (!same([...events], [...this.events])) {
+        this.events = events;
+        this.tell('events');
+      }
+      if (!same(today, this.today)) {
+        this.today = today;
+        this.tell('today');
+      }
+    };
+    look().catch(() => {});
   }
 
   tell(topic, detail) {
@@ -131,13 +169,7 @@ class House extends EventTarget {
   }
 
   async #readEvents() {
-    const events = new Map();
-    for (;;) {
-      const answer = await get(`/events${query({offset: events.size, limit: 1000})}`);
-      for (const event of answer.events) events.set(event.id, event);
-      if (events.size >= answer.total || answer.events.length === 0) break;
-    }
-    this.events = events;
+    this.events = await readEvents();
     this.tell('events');
   }
 
