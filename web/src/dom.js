@@ -49,6 +49,7 @@ const PATHS = {
   run: 'M8 5l11 7-11 7z',
   skip: 'M5 5l9 7-9 7zM18 5v14',
   pause: 'M8 5v14M16 5v14',
+  resume: 'M19 12a7 7 0 1 1-2.5-5.4L19 9M19 4v5h-5',
   more: 'M5 12h.01M12 12h.01M19 12h.01',
   done: 'M5 13l4 4L19 7',
   fired: 'M5 13l4 4L19 7',

@@ -127,6 +127,9 @@ export const longDate = (day) =>
   format(day, {weekday: 'long', day: 'numeric', month: 'long', year: 'numeric'});
 /** "Sat 21 Nov" */
 export const shortDate = (day) => format(day, {weekday: 'short', day: 'numeric', month: 'short'});
+/** "Sat 21 Nov 2026" */
+export const shortDateOfYear = (day) =>
+  format(day, {weekday: 'short', day: 'numeric', month: 'short', year: 'numeric'});
 /** "21 November" */
 export const dayAndMonth = (day) => format(day, {day: 'numeric', month: 'long'});
 /** "November 2026" */

@@ -2,17 +2,27 @@
 // calendar and from the list of events.
 
 import * as deeds from './deeds.js';
-import {wall} from './dates.js';
+import {wall, yearOf} from './dates.js';
 import {button, h, icon} from './dom.js';
 import {house} from './house.js';
-import {longDate, shortDate, t, timeText} from './locale.js';
+import {longDate, shortDate, shortDateOfYear, t, timeText} from './locale.js';
 import {dialog} from './notices.js';
 import {sentence} from './sentence.js';
 
-/** "Sat 21 Nov 16:02" */
+/** "Sat 21 Nov 16:02", with its year where that is not the present one. */
 export function momentText(moment) {
   const {day, minutes} = wall(moment);
-  return `${shortDate(day)} ${timeText(minutes)}`;
+  const date = yearOf(day) === yearOf(house.date()) ? shortDate(day) : shortDateOfYear(day);
+  return `${date} ${timeText(minutes)}`;
+}
+
+/** When an event comes next: today's with its random part, as soon as that is drawn. */
+export function nextOf({id, next}) {
+  const drawn = house.today.occurrences.find(
+    ({event, state, planned, due}) =>
+      event === id && state === 'pending' && due && Date.parse(planned) === Date.parse(next),
+  );
+  return drawn?.due ?? next;
 }
 
 /** What keeps an event from acting, in words; empty where nothing does. */
@@ -43,7 +53,7 @@ export function deedsOf(event) {
       ? [t('unskip'), 'skip', () => deeds.dontSkip(event)]
       : [t('skip'), 'skip', () => deeds.skipNext(event)],
     isHeld(event)
-      ? [t('resume'), 'run', () => deeds.resume(event)]
+      ? [t('resume'), 'resume', () => deeds.resume(event)]
       : [t('pause'), 'pause', () => deeds.pause(event)],
   ];
 }
@@ -72,7 +82,7 @@ export async function showEvent(id, {occurrence, move} = {}) {
             time: timeText(occurrence.minutes),
           }),
         ),
-      h('p', null, event.next ? t('sheet.next', {when: momentText(event.next)}) : t('sheet.never')),
+      h('p', null, event.next ? t('sheet.next', {when: momentText(nextOf(event))}) : t('sheet.never')),
       holds && h('p', {class: 'held'}, icon('held'), ' ', holds),
       h(
         'div',

@@ -5,7 +5,7 @@ import {button, h, icon, replace} from '../dom.js';
 import {house} from '../house.js';
 import {t} from '../locale.js';
 import {confirmed} from '../notices.js';
-import {holdsText, momentText} from '../sheet.js';
+import {holdsText, momentText, nextOf} from '../sheet.js';
 
 export const askLeave = () => confirmed(t('leave.title'), t('leave.text'), t('leave.yes'));
 
@@ -21,7 +21,7 @@ export function eventHead(id, page) {
     const event = house.events.get(id);
     if (!event) return replace(element, h('h1', {tabindex: '-1'}, t('event.gone')));
     const holds = holdsText(event);
-    const next = event.next ? t('sheet.next', {when: momentText(event.next)}) : t('sheet.never');
+    const next = event.next ? t('sheet.next', {when: momentText(nextOf(event))}) : t('sheet.never');
     replace(
       element,
       h('h1', {tabindex: '-1'}, event.description),

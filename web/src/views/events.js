@@ -4,7 +4,7 @@ import {button, h, icon, iconButton, replace} from '../dom.js';
 import {house} from '../house.js';
 import {t} from '../locale.js';
 import {sentence} from '../sentence.js';
-import {baseIcon, deedsOf, holdsText, momentText, showEvent} from '../sheet.js';
+import {baseIcon, deedsOf, holdsText, momentText, nextOf, showEvent} from '../sheet.js';
 
 const ROWS = 100;
 
@@ -80,7 +80,7 @@ export function events(root) {
     );
   }
   draw();
-  return {title: t('nav.events'), on: {events: draw, project: draw}};
+  return {title: t('nav.events'), on: {events: draw, today: draw, project: draw}};
 }
 
 function row(event) {
@@ -100,7 +100,7 @@ function row(event) {
     h(
       'div',
       {class: 'when'},
-      next ? momentText(next) : t('events.over'),
+      next ? momentText(nextOf(event)) : t('events.over'),
       h('small', null, t('events.actions', {n: programming?.actions ?? 0})),
     ),
     h(

@@ -6,7 +6,7 @@ import {button, h, icon, iconButton, replace, s} from '../dom.js';
 import {house} from '../house.js';
 import {durationText, longDate, shortDate, t, timeText} from '../locale.js';
 import {sentence} from '../sentence.js';
-import {baseIcon, deedsOf, holdsText, momentText, showEvent} from '../sheet.js';
+import {baseIcon, deedsOf, holdsText, momentText, nextOf, showEvent} from '../sheet.js';
 
 const SOON_DAYS = 7;
 const SOON_ROWS = 6;
@@ -102,7 +102,7 @@ function nextUp() {
   const coming = [...house.events.values()]
     .filter(({next}) => next)
     .sort((a, b) => Date.parse(a.next) - Date.parse(b.next))[0];
-  return coming && {event: coming, at: coming.next};
+  return coming && {event: coming, at: nextOf(coming)};
 }
 
 function drawNext(card) {
@@ -226,7 +226,7 @@ function soonRow({event: id, description, date, time, base}) {
   return h(
     'li',
     {class: 'occurrence'},
-    h('time', {datetime: time}, `${shortDate(day)} ${timeText(minutes)}`),
+    h('time', {datetime: time}, h('small', null, shortDate(day)), timeText(minutes)),
     icon(baseIcon(base)),
     h(
       'div',
