@@ -1,9 +1,10 @@
 // The schedule as files: the present one, and those that were put aside.
 
 import * as api from '../api.js';
+import {isDay} from '../dates.js';
 import {button, card, h, replace} from '../dom.js';
 import {house} from '../house.js';
-import {numberText, t} from '../locale.js';
+import {dateText, numberText, t} from '../locale.js';
 import {confirmed, failed, notice} from '../notices.js';
 import {momentText} from '../sheet.js';
 
@@ -18,6 +19,15 @@ function download(text, name, type = 'application/xml') {
 function fileName(suffix) {
   const name = house.name().replace(/[^\p{L}\p{N}]+/gu, '-');
   return `${name.replace(/^-|-$/g, '') || 'schedule'}-${suffix}.xml`;
+}
+
+/** Why a schedule was put aside, in the page's words where the controller's are known. */
+function reasonText(reason) {
+  const [, actor] = /^asked for by (.+)$/.exec(reason) ?? [];
+  if (actor) return actor === 'local' ? t('backup.byHand') : t('backup.byHandOf', {actor});
+  const [, day] = /^before the changes of (\d{4}-\d\d-\d\d)$/.exec(reason) ?? [];
+  if (isDay(day)) return t('backup.ofDay', {date: dateText(day)});
+  return reason === 'replaced by an import' ? t('backup.import') : reason;
 }
 
 export function exportCard() {
@@ -65,16 +75,20 @@ export function backupCard() {
         h(
           'small',
           null,
-          [backup.reason, t('backup.size', {n: numberText(backup.bytes / 1000, 1)})]
+          [reasonText(backup.reason), t('backup.size', {n: numberText(backup.bytes / 1000, 1)})]
             .filter(Boolean)
             .join(', '),
         ),
       ),
-      button(t('backup.download'), () => save(backup).catch(failed), {kind: 'small'}),
-      button(t('backup.restore'), () => restore(backup).catch(failed), {
-        kind: 'small',
-        'data-key': `restore-${backup.number}`,
-      }),
+      h(
+        'span',
+        {class: 'row'},
+        button(t('backup.download'), () => save(backup).catch(failed), {kind: 'small'}),
+        button(t('backup.restore'), () => restore(backup).catch(failed), {
+          'kind': 'small',
+          'data-key': `restore-${backup.number}`,
+        }),
+      ),
     );
 
   async function read() {

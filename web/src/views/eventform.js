@@ -170,8 +170,12 @@ function previewOf({event, occurrences, warnings}) {
   ];
 }
 
+/** Where the scheduler's calendar ends concerns nobody who gave no end: said, but no alarm. */
+const REMARKS = ['ends-2038'];
+
 function warning({code, text}) {
   const said = hasText(`warning.${code}`) ? t(`warning.${code}`) : text;
+  if (REMARKS.includes(code)) return h('li', {class: 'remark'}, said);
   return h('li', null, icon('warning'), ' ', said);
 }
 

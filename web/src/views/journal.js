@@ -10,6 +10,7 @@ import {failed} from '../notices.js';
 const KINDS = ['fired', 'held', 'missed', 'action', 'change', 'clock', 'controller'];
 const PAGE = 100;
 const WAIT_MS = 200;
+const TRIGGERS = /^(event|push|click)(, (event|push|click))*$/;
 const ICONS = {
   fired: 'done',
   held: 'held',
@@ -214,12 +215,14 @@ export function matches(row, {kind, event, from, to, q}) {
 function line(row) {
   const {kind, event, description, reason, actor, outcome, text, planned, drawn} = row;
   const here = house.events.has(event);
+  // What a firing started has rows of its own.
+  const onlyTriggers = kind === 'fired' && TRIGGERS.test(text);
   const why = reason && (hasText(`reason.${reason}`) ? t(`reason.${reason}`) : reason);
   const what = outcome && (hasText(`outcome.${outcome}`) ? t(`outcome.${outcome}`) : outcome);
   const details = [
     planned && t('journal.planned', {time: timeText(wall(planned).minutes)}),
     drawn && t('journal.drawn', {n: drawn > 0 ? `+${drawn}` : `−${-drawn}`}),
-    actor && t('journal.by', {actor}),
+    actor && (actor === 'local' ? t('journal.local') : t('journal.by', {actor})),
   ]
     .filter(Boolean)
     .join(', ');
@@ -252,10 +255,13 @@ function line(row) {
                 : h('span', null, description || t('journal.event', {id: event})),
             ]
           : null,
-        (what || why) && [' ', h('span', {class: 'why'}, [what, why].filter(Boolean).join(', '))],
+        (what || why) && [
+          event ? ': ' : ' ',
+          h('span', {class: 'why'}, [what, why].filter(Boolean).join(', ')),
+        ],
       ),
       details && h('small', null, details),
-      text && h('p', {class: 'text'}, text),
+      text && !onlyTriggers && h('p', {class: 'text'}, text),
       (row.before || row.after) && difference(row),
     ),
   );
