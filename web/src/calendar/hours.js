@@ -67,7 +67,8 @@ function head(day, {suns, go}) {
         'aria-current': isToday ? 'date' : null,
         onclick: () => go('day', day),
       },
-      h('span', {'aria-hidden': 'true'}, weekdayNameOf(day, 'short'), ' ', String(dayOfMonth(day))),
+      h('span', {'aria-hidden': 'true'}, weekdayNameOf(day, 'short')),
+      h('span', {'aria-hidden': 'true'}, String(dayOfMonth(day))),
       h('span', {class: 'unseen'}, longDate(day)),
     ),
     clockChangeMark(day, suns),
@@ -76,7 +77,7 @@ function head(day, {suns, go}) {
 
 function hourMarks() {
   const marks = [];
-  for (let hour = 1; hour < 24; ++hour) {
+  for (let hour = 1; hour <= 24; ++hour) {
     marks.push(h('span', {style: {top: top(hour * 60)}}, timeText(hour * 60).replace(':00', '')));
   }
   return marks;

@@ -9,9 +9,12 @@ import {failed} from '../notices.js';
 import {indexAt, picture, xOf} from './sunplot.js';
 
 const COLOURS = 5;
+const FIRST_YEAR = 1971;
+const LAST_YEAR = 9998;
 
 export function sun(root, {params}) {
-  let year = Number(params.get('year')) || yearOf(house.date());
+  const within = (wanted) => Math.max(FIRST_YEAR, Math.min(LAST_YEAR, wanted));
+  let year = within(Math.trunc(Number(params.get('year'))) || yearOf(house.date()));
   const chosen = new Set(
     (params.get('events') ?? '')
       .split(',')
@@ -30,11 +33,12 @@ export function sun(root, {params}) {
   const legend = h('div', {class: 'legend'});
   const changes = h('p', {class: 'muted'});
   const table = h('details', {class: 'card'});
+  const width = matchMedia('(max-width: 640px)');
   let days = [];
   let traces = [];
 
   const step = (by) => {
-    year = Math.max(1971, Math.min(9998, year + by));
+    year = within(year + by);
     history.replaceState(null, '', `#/sun${api.query({year, events: [...chosen].join(',')})}`);
     show();
   };
@@ -84,14 +88,11 @@ export function sun(root, {params}) {
     slider.max = days.length - 1;
     const now = daysBetween(days[0].date, house.date());
     if (!slider.dataset.moved) slider.value = now >= 0 && now < days.length ? now : 0;
-    replace(plot, picture(days, traces));
+    replace(plot, picture(days, traces, width.matches));
     changes.textContent = changesText(days);
     replace(table, h('summary', null, t('sun.table')), asTable(days));
     drawLegend();
     point(Number(slider.value), true);
-    // Where it is wider than the screen, today is what one wants to see.
-    plot.scrollLeft =
-      (Number(slider.value) / days.length) * plot.scrollWidth - plot.clientWidth / 2;
   }
 
   function drawLegend() {
@@ -116,7 +117,8 @@ export function sun(root, {params}) {
           'span',
           {class: `trace colour${colour}`},
           h('i'),
-          `${house.eventName(id)} (${t('sun.times', {n: occurrences.length})})`,
+          h('bdi', null, house.eventName(id)),
+          ` (${t('sun.times', {n: occurrences.length})})`,
           iconButton(t('sun.without', {description: house.eventName(id)}), 'missed', () => {
             chosen.delete(id);
             step(0);
@@ -152,8 +154,14 @@ export function sun(root, {params}) {
     slider.value = index;
     point(index);
   });
+  const redraw = () => days.length && draw();
+  width.addEventListener('change', redraw);
   show();
-  return {title: t('nav.sun'), on: {project: show, events: show}};
+  return {
+    title: t('nav.sun'),
+    on: {project: show, events: show},
+    end: () => width.removeEventListener('change', redraw),
+  };
 }
 
 function placeAndZone() {

@@ -5,18 +5,25 @@ import {s} from '../dom.js';
 import {house} from '../house.js';
 import {monthName, t, timeText} from '../locale.js';
 
-const WIDE = 1000;
-const HIGH = 460;
-const LEFT = 52;
+const SIZES = {
+  wide: {width: 1000, height: 460, left: 52, month: 'short'},
+  // As high as it is wide, for letters that can be read there.
+  narrow: {width: 420, height: 380, left: 46, month: 'narrow'},
+};
+const LETTER = 8.5;
 const TOP = 8;
 const FOOT = 26;
 
-/** Where a day stands in the picture. */
-export const xOf = (index, count) => LEFT + ((index + 0.5) / count) * (WIDE - LEFT);
-const yOf = (minutes) => TOP + (1 - minutes / 1440) * (HIGH - TOP - FOOT);
+let size = SIZES.wide;
+
+/** Where a day stands in the picture that was drawn last. */
+export const xOf = (index, count) => size.left + ((index + 0.5) / count) * (size.width - size.left);
+const yOf = (minutes) => TOP + (1 - minutes / 1440) * (size.height - TOP - FOOT);
 
 /** The year as a picture: night and day, the curves, and the occurrences of `traces`. */
-export function picture(days, traces) {
+export function picture(days, traces, narrow) {
+  size = narrow ? SIZES.narrow : SIZES.wide;
+  const {width: WIDE, height: HIGH, left: LEFT} = size;
   const count = days.length;
   const bottom = yOf(0);
   const today = daysBetween(days[0].date, house.date());
@@ -37,7 +44,7 @@ export function picture(days, traces) {
         s(
           'text',
           {x: LEFT - 6, y: yOf(hour * 60) + 4, 'text-anchor': 'end'},
-          hour === 24 ? '' : timeText(hour * 60),
+          hour === 24 ? '' : timeText(hour * 60).replace(':00 ', ' '),
         ),
       ]),
       months(days),
@@ -74,7 +81,8 @@ export function picture(days, traces) {
 
 /** The daylight as one field a run of days; over midnight it is in two pieces. */
 function lightFields(days) {
-  const step = (WIDE - LEFT) / days.length;
+  const LEFT = size.left;
+  const step = (size.width - LEFT) / days.length;
   const fields = [];
   days.forEach((day, index) => {
     const add = (from, to) =>
@@ -91,19 +99,23 @@ function lightFields(days) {
   return s('path', {class: 'light', d: fields.join('')});
 }
 
-/** Says which curve it is, in February, where both are far from the clock changes. */
+/** Says which curve it is, beside it: where it has room, if that can be before the clocks change. */
 function nameOn(days, name) {
-  const index = 45;
-  if (days[index].polar) return null;
-  const above = name === 'sunrise' ? 20 : -12;
+  const text = t(`say.${name}`);
+  const part = (text.length * LETTER) / (size.width - size.left);
+  const span = Math.ceil(part * days.length);
+  const free = (from) => days.slice(from, from + span).every((day) => !day.polar && day[name]);
+  const index = [10, 45, 80, 200, 280].find(free);
+  if (index === undefined) return null;
+  const heights = days.slice(index, index + span).map((day) => yOf(wall(day[name]).minutes));
   return s(
     'text',
     {
       class: `name ${name}`,
       x: xOf(index, days.length),
-      y: yOf(wall(days[index][name]).minutes) + above,
+      y: name === 'sunrise' ? Math.max(...heights) + 18 : Math.min(...heights) - 8,
     },
-    t(`say.${name}`),
+    text,
   );
 }
 
@@ -132,10 +144,11 @@ function months(days) {
     const x = xOf(daysBetween(days[0].date, first) - 0.5, days.length);
     return [
       s('line', {x1: x, x2: x, y1: TOP, y2: yOf(0)}),
-      s('text', {x: x + 4, y: HIGH - 8}, monthName(month, 'short')),
+      s('text', {x: x + 4, y: size.height - 8}, monthName(month, size.month)),
     ];
   });
 }
 
 /** Which day stands at a part of the picture's width. */
-export const indexAt = (part, count) => Math.floor(((part * WIDE - LEFT) / (WIDE - LEFT)) * count);
+export const indexAt = (part, count) =>
+  Math.floor(((part * size.width - size.left) / (size.width - size.left)) * count);
