@@ -69,26 +69,32 @@ for (const colorScheme of ['light', 'dark']) {
   });
 }
 
-test('a phone shows every view without sideways scrolling, and the checker finds nothing', async () => {
-  const page = await open(house, '', {
-    viewport: {width: 360, height: 740},
-    hasTouch: true,
-    isMobile: true,
+for (const [width, locale] of [
+  [360, 'en-GB'],
+  [320, 'de-DE'],
+]) {
+  test(`a phone of ${width} pixels, ${locale}: no view scrolls sideways, the checker finds nothing`, async () => {
+    const page = await open(house, '', {
+      locale,
+      viewport: {width, height: 740},
+      hasTouch: true,
+      isMobile: true,
+    });
+    for (const [view, sign] of Object.entries(views())) {
+      await page.goto(`${house.url}#/${view}`);
+      await page
+        .locator(view.includes('month') ? '.month .dots' : sign)
+        .first()
+        .waitFor({state: 'attached'});
+      const wider = await page.evaluate(
+        () => document.documentElement.scrollWidth - document.documentElement.clientWidth,
+      );
+      assert.ok(wider <= 0, `${view} is ${wider} pixels too wide`);
+      assert.deepEqual(await findings(page), [], view);
+    }
+    await page.done();
   });
-  for (const [view, sign] of Object.entries(views())) {
-    await page.goto(`${house.url}#/${view}`);
-    await page
-      .locator(view.includes('month') ? '.month .dots' : sign)
-      .first()
-      .waitFor({state: 'attached'});
-    const wider = await page.evaluate(
-      () => document.documentElement.scrollWidth - document.documentElement.clientWidth,
-    );
-    assert.ok(wider <= 0, `${view} is ${wider} pixels too wide`);
-    assert.deepEqual(await findings(page), [], view);
-  }
-  await page.done();
-});
+}
 
 test('on a phone a day is one tap away, and an event is one more', async () => {
   const page = await open(house, `#/calendar?view=month&date=${dayFromNow(7)}`, {

@@ -68,7 +68,7 @@ function titleOf(kind, day) {
 }
 
 /** "phone" shows less of a day. */
-const isNarrow = () => matchMedia('(max-width: 640px)').matches;
+const isNarrow = () => matchMedia('(max-width: 40em)').matches;
 
 const isTouched = () => matchMedia('(pointer: coarse)').matches;
 
@@ -189,7 +189,7 @@ export function calendar(root, {params}) {
     clearTimeout(waiting);
     waiting = setTimeout(show, 60);
   };
-  const width = matchMedia('(max-width: 640px)');
+  const width = matchMedia('(max-width: 40em)');
   width.addEventListener('change', soon);
   show();
   return {

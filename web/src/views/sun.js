@@ -33,7 +33,7 @@ export function sun(root, {params}) {
   const legend = h('div', {class: 'legend'});
   const changes = h('p', {class: 'muted'});
   const table = h('details', {class: 'card'});
-  const width = matchMedia('(max-width: 640px)');
+  const width = matchMedia('(max-width: 40em)');
   let days = [];
   let traces = [];
 
