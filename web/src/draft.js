@@ -1,7 +1,17 @@
 // An event while it is being written: what the form's controls hold, and the event that they say.
 
-import {dayOfMonth, nthOfMonth, readClock, weekdayOf, WEEKDAYS} from './dates.js';
-import {t, timeText} from './locale.js';
+import {
+  dayOfMonth,
+  LAST_DAY,
+  nthOfMonth,
+  readClock,
+  weekdayOf,
+  WEEKDAYS,
+} from './dates.js';
+import {dateText, numberText, t, timeText} from './locale.js';
+
+/** As much as the controller takes. */
+export const MOST = {every: 1000000, minutes: 1440, spread: 720};
 
 /** On the day before its date, on it, and on the day after. */
 const CLOCK_DAYS = ['eve', 'clock', 'morrow'];
@@ -49,14 +59,22 @@ const whole = (text) => (/^\s*\d{1,9}\s*$/.test(text) ? Number(text) : null);
 /** {event, errors}: what to send, and [{pointer, detail}] of what cannot be read. */
 export function read(draft) {
   const errors = [];
-  const number = (name, pointer) => {
+  const number = (name, pointer, min, max) => {
     const value = whole(draft[name]);
-    if (value === null) errors.push({pointer, detail: t('form.notNumber', {text: draft[name]})});
-    return value;
+    if (value !== null && value >= min && value <= max) return value;
+    const detail = t('form.notNumber', {text: draft[name], min, max: numberText(max)});
+    errors.push({pointer, detail});
+    return null;
   };
   const date = (name, pointer) => {
-    if (!draft[name]) errors.push({pointer, detail: t('form.noDate')});
-    return draft[name];
+    const day = draft[name];
+    const [min, max] = ['1970-01-01', LAST_DAY];
+    if (!day) errors.push({pointer, detail: t('form.noDate')});
+    else if (day < min || day > max) {
+      const range = {min: dateText(min), max: dateText(max)};
+      errors.push({pointer, detail: t('form.noYear', range)});
+    }
+    return day;
   };
   const event = {
     description: draft.description.trim(),
@@ -69,9 +87,9 @@ export function read(draft) {
 }
 
 function readTime(draft, number, errors) {
-  const spread = number('spread', '/time/spread');
+  const spread = number('spread', '/time/spread', 0, MOST.spread);
   if (draft.base === 'sun') {
-    const size = number('minutes', '/time/minutes');
+    const size = number('minutes', '/time/minutes', 0, MOST.minutes);
     return {base: draft.sun, minutes: draft.side === 'before' && size !== 0 ? -size : size, spread};
   }
   const minutes = readClock(draft.at);
@@ -81,7 +99,7 @@ function readTime(draft, number, errors) {
 }
 
 function readRepeat(draft, number, date, errors) {
-  const repeat = {unit: draft.unit, every: number('every', '/repeat/every')};
+  const repeat = {unit: draft.unit, every: number('every', '/repeat/every', 1, MOST.every)};
   if (draft.unit === 'week') {
     repeat.on = WEEKDAYS.filter((day) => draft.on.has(day));
     if (repeat.on.length === 0) errors.push({pointer: '/repeat/on', detail: t('form.noDays')});
@@ -89,7 +107,13 @@ function readRepeat(draft, number, date, errors) {
     const week = draft.nthWeek === 'last' ? 'last' : Number(draft.nthWeek);
     repeat.nth = {week, weekday: draft.nthDay};
   }
-  if (draft.ends) repeat.until = date('until', '/repeat/until');
+  if (draft.ends) {
+    repeat.until = date('until', '/repeat/until');
+    if (repeat.until && repeat.until < draft.start) {
+      const detail = t('form.endsBefore', {date: dateText(draft.start)});
+      errors.push({pointer: '/repeat/until', detail});
+    }
+  }
   return repeat;
 }
 

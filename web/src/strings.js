@@ -280,26 +280,46 @@ export const strings = {
     'form.endsLabel': 'Whether it ends',
     'form.untilLabel': 'Last day',
     'form.preview': 'What comes of it',
-    'form.incomplete': 'Something is missing or wrong; see beside.',
+    'form.incomplete': 'Something is missing or wrong; it is marked.',
     'form.noOccurrences': 'It does not occur.',
     'form.unnamed': 'New event',
-    'form.notNumber': '“{text}” is no whole number of 0 or more',
+    'form.notNumber': '“{text}” is no whole number from {min} to {max}',
     'form.notTime': '“{text}” is no time; write 19:30, 7:30 pm or noon',
     'form.noDate': 'give a date',
+    'form.noYear': 'give a day from {min} to {max}',
+    'form.endsBefore': 'that is before the first day, {date}; give that day or a later one',
     'form.noName': 'give it a name',
     'form.noDays': 'choose at least one weekday',
     'form.taken': 'another event has this name already; choose another',
     'form.add': 'Add event',
     'form.added': '“{description}” was added',
     'form.saved': '“{description}” was saved',
-    'warning.never-occurs': 'It never occurs.',
-    'warning.past-midnight':
-      'Its time may lead over midnight; where it does, the day’s occurrence is dropped.',
-    'warning.clock-change': 'One of the next occurrences falls onto a clock change.',
-    'warning.drifts':
-      'Days are counted in 86,400 seconds: after a clock change it may come a day off.',
     'warning.duplicate': 'Another event has this name already.',
-    'warning.ends-2038': 'Without an end it ends on 18 January 2038.',
+    'warning.passed': 'It never comes: {day} has passed, or its time has.',
+    'warning.today-passed': 'It never comes: its time today has passed.',
+    'warning.last-passed': 'It never comes: its last day, {day}, has passed.',
+    'warning.none-between': 'It never comes: none of its days lies between {day} and {other}.',
+    'warning.starts-late':
+      'It never comes: without an end it ends on {other}, before it starts on {day}. Give it an end.',
+    'warning.never-after':
+      'It never comes: on {day} its time lies after midnight, where the day’s list ends.',
+    'warning.may-be-dropped':
+      'On {day} its time may lie after midnight, where the day’s list ends: it is then dropped.',
+    'warning.at-midnight':
+      'On {day} its time lies before midnight, where the day’s list begins: it comes at midnight instead.',
+    'warning.maybe-at-midnight':
+      'On {day} its time may lie before midnight, where the day’s list begins: it then comes at midnight instead.',
+    'warning.left-out':
+      'On {day} there is no {at}, because the clocks are put forward; it comes at {then}.',
+    'warning.twice':
+      'On {day} {at} comes twice, because the clocks are put back; it comes the first time.',
+    'warning.drifts-to':
+      'Days are counted in 24 hours, also where the clocks change: it comes on {day}, not on {other}.',
+    'warning.drifts-more':
+      'Days are counted in 24 hours, also where the clocks change: it also comes on {day}.',
+    'warning.drifts-less':
+      'Days are counted in 24 hours, also where the clocks change: it does not come on {day}.',
+    'warning.ends': 'Without an end it ends on {day}.',
 
     'say.at': 'at {time}',
     'say.dayBefore': 'the day before',
@@ -824,26 +844,46 @@ export const strings = {
     'form.endsLabel': 'Ob es endet',
     'form.untilLabel': 'Letzter Tag',
     'form.preview': 'Was daraus wird',
-    'form.incomplete': 'Etwas fehlt oder stimmt nicht; siehe daneben.',
+    'form.incomplete': 'Etwas fehlt oder stimmt nicht; es ist gekennzeichnet.',
     'form.noOccurrences': 'Es ereignet sich nicht.',
     'form.unnamed': 'Neues Ereignis',
-    'form.notNumber': '„{text}“ ist keine ganze Zahl ab 0',
+    'form.notNumber': '„{text}“ ist keine ganze Zahl von {min} bis {max}',
     'form.notTime': '„{text}“ ist keine Uhrzeit; schreiben Sie 19:30 oder Mittag',
     'form.noDate': 'geben Sie ein Datum an',
+    'form.noYear': 'geben Sie einen Tag von {min} bis {max} an',
+    'form.endsBefore': 'das liegt vor dem ersten Tag, {date}; geben Sie diesen oder einen späteren an',
     'form.noName': 'geben Sie ihm einen Namen',
     'form.noDays': 'wählen Sie mindestens einen Wochentag',
     'form.taken': 'so heißt schon ein anderes Ereignis; wählen Sie einen anderen Namen',
     'form.add': 'Hinzufügen',
     'form.added': '„{description}“ wurde hinzugefügt',
     'form.saved': '„{description}“ wurde gespeichert',
-    'warning.never-occurs': 'Es ereignet sich nie.',
-    'warning.past-midnight':
-      'Seine Zeit kann über Mitternacht führen; dann entfällt es an diesem Tag.',
-    'warning.clock-change': 'Eines der nächsten Male fällt auf eine Zeitumstellung.',
-    'warning.drifts':
-      'Tage werden zu 86 400 Sekunden gezählt: nach einer Zeitumstellung kann es einen Tag danebenliegen.',
     'warning.duplicate': 'So heißt schon ein anderes Ereignis.',
-    'warning.ends-2038': 'Ohne Ende endet es am 18. Januar 2038.',
+    'warning.passed': 'Es kommt nie: der {day} ist vorbei, oder seine Zeit.',
+    'warning.today-passed': 'Es kommt nie: seine Zeit ist heute schon vorbei.',
+    'warning.last-passed': 'Es kommt nie: sein letzter Tag, der {day}, ist vorbei.',
+    'warning.none-between': 'Es kommt nie: keiner seiner Tage liegt zwischen {day} und {other}.',
+    'warning.starts-late':
+      'Es kommt nie: ohne Ende endet es am {other}, ehe es am {day} beginnt. Geben Sie ihm ein Ende.',
+    'warning.never-after':
+      'Es kommt nie: am {day} liegt seine Zeit nach Mitternacht, wo die Liste des Tages endet.',
+    'warning.may-be-dropped':
+      'Am {day} kann seine Zeit nach Mitternacht liegen, wo die Liste des Tages endet: dann entfällt es.',
+    'warning.at-midnight':
+      'Am {day} liegt seine Zeit vor Mitternacht, wo die Liste des Tages beginnt: es kommt stattdessen um Mitternacht.',
+    'warning.maybe-at-midnight':
+      'Am {day} kann seine Zeit vor Mitternacht liegen, wo die Liste des Tages beginnt: dann kommt es um Mitternacht.',
+    'warning.left-out':
+      'Am {day} gibt es {at} nicht, weil die Uhren vorgestellt werden; es kommt um {then}.',
+    'warning.twice':
+      'Am {day} gibt es {at} zweimal, weil die Uhren zurückgestellt werden; es kommt beim ersten Mal.',
+    'warning.drifts-to':
+      'Tage werden zu 24 Stunden gezählt, auch wo die Uhren umgestellt werden: es kommt am {day}, nicht am {other}.',
+    'warning.drifts-more':
+      'Tage werden zu 24 Stunden gezählt, auch wo die Uhren umgestellt werden: es kommt auch am {day}.',
+    'warning.drifts-less':
+      'Tage werden zu 24 Stunden gezählt, auch wo die Uhren umgestellt werden: es kommt nicht am {day}.',
+    'warning.ends': 'Ohne Ende endet es am {day}.',
 
     'say.at': 'um {time}',
     'say.dayBefore': 'am Tag davor',

@@ -5,10 +5,11 @@ import {wall, yearOf} from '../dates.js';
 import {freshId, h, icon, replace} from '../dom.js';
 import {read} from '../draft.js';
 import {house} from '../house.js';
-import {hasText, shortDate, t, timeText} from '../locale.js';
+import {shortDate, t, timeText} from '../locale.js';
 import {sentence} from '../sentence.js';
 import {EventWords} from './eventwords.js';
 import {Fields} from './fields.js';
+import {warningText} from './warnings.js';
 
 const WAIT_MS = 200;
 const NAME = '/description';
@@ -166,16 +167,16 @@ function previewOf({event, occurrences, warnings}) {
     warnings.length > 0 && h('ul', {class: 'warnings'}, warnings.map(warning)),
     occurrences.length > 0
       ? h('ol', {class: 'occurrences'}, occurrences.map(occurrence))
-      : h('p', {class: 'muted'}, t('form.noOccurrences')),
+      : warnings.length === 0 && h('p', {class: 'muted'}, t('form.noOccurrences')),
   ];
 }
 
 /** Where the scheduler's calendar ends concerns nobody who gave no end: said, but no alarm. */
 const REMARKS = ['ends-2038'];
 
-function warning({code, text}) {
-  const said = hasText(`warning.${code}`) ? t(`warning.${code}`) : text;
-  if (REMARKS.includes(code)) return h('li', {class: 'remark'}, said);
+function warning(one) {
+  const said = warningText(one);
+  if (REMARKS.includes(one.code)) return h('li', {class: 'remark'}, said);
   return h('li', null, icon('warning'), ' ', said);
 }
 

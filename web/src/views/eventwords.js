@@ -3,7 +3,7 @@
 
 import {FIRST_DAY, LAST_DAY, monthOf, WEEKDAYS} from '../dates.js';
 import {choice, h, replace} from '../dom.js';
-import {startDay} from '../draft.js';
+import {MOST, startDay} from '../draft.js';
 import {dayAndMonth, monthName, t, weekdayName, weekOrder} from '../locale.js';
 
 const UNITS = ['day', 'week', 'month', 'year'];
@@ -105,7 +105,7 @@ export class EventWords {
     const label = (unit) => t(`unit.${unit}`, {n: Number(this.#draft.every)});
     const options = UNITS.map((unit) => [unit, label(unit)]);
     const unit = this.#pick('unit', options, t('form.unitLabel'));
-    const count = this.#count('every', '/repeat/every', t('form.everyLabel'), 1000000);
+    const count = this.#count('every', '/repeat/every', t('form.everyLabel'), MOST.every);
     count.addEventListener('input', () => {
       for (const option of unit.options) option.label = label(option.value);
     });
@@ -174,7 +174,7 @@ export class EventWords {
     }
     return [
       base,
-      this.#count('minutes', '/time/at', t('form.minutesLabel'), 1440),
+      this.#count('minutes', '/time/at', t('form.minutesLabel'), MOST.minutes),
       t('form.minutes'),
       this.#pick('side', texts('form.', ['before', 'after']), t('form.sideLabel')),
       this.#pick('sun', texts('say.', ['sunrise', 'sunset']), t('form.sunLabel')),
@@ -182,7 +182,7 @@ export class EventWords {
   }
 
   #spread() {
-    const minutes = this.#count('spread', '/time/spread', t('form.spreadLabel'), 720);
+    const minutes = this.#count('spread', '/time/spread', t('form.spreadLabel'), MOST.spread);
     return [t('form.spread'), minutes, t('form.spreadMinutes')];
   }
 
