@@ -128,9 +128,12 @@ void Journal::Prune(ProjectStore& store, std::time_t now) {
   SqliteStatement(store.Database(), "DELETE FROM journal WHERE at < ?1")
       .Bind(1, static_cast<std::int64_t>(now - kKeptDays * 86400L))
       .Step();
+  Bound(store);
+}
+
+void Journal::Bound(ProjectStore& store) {
   SqliteStatement(store.Database(),
-                  "DELETE FROM journal WHERE id <= "
-                  "(SELECT id FROM journal ORDER BY id DESC LIMIT 1 OFFSET ?1)")
+                  "DELETE FROM journal WHERE id <= (SELECT max(id) FROM journal) - ?1")
       .Bind(1, kKeptRows)
       .Step();
 }

@@ -71,6 +71,9 @@ class Journal {
   static std::optional<std::time_t> Newest(ProjectStore& store);
   /// Drops what is too old or too much.
   static void Prune(ProjectStore& store, std::time_t now);
+  /// Drops what is too much, by the numbers of the rows, which follow one another. Cheap enough for
+  /// every save.
+  static void Bound(ProjectStore& store);
 
  private:
   std::int64_t last_;

@@ -16,16 +16,11 @@ namespace {
 
 constexpr int kBookDays = 3;
 
-/// When its turn comes: what is due before its day begins comes as that begins.
-std::time_t TurnOf(std::time_t due, const DayFields& date) {
-  return std::max(due, FirstSecondOf(date));
-}
-
-/// How late an occurrence is. The seconds of a sun time are not known, so up to the end of its
-/// minute it is in time.
-long LateSeconds(const PlannedOccurrence& occurrence, const DayFields& date, std::time_t now) {
+/// How late an occurrence is. What is due before its day begins comes as that begins. The seconds
+/// of a sun time are not known, so up to the end of its minute it is in time.
+long LateSeconds(const PlannedOccurrence& occurrence, std::time_t dayBegins, std::time_t now) {
   const std::time_t due = occurrence.due.value_or(occurrence.planned + 60 * occurrence.spread);
-  const long late = static_cast<long>(now - TurnOf(due, date));
+  const long late = static_cast<long>(now - std::max(due, dayBegins));
   if (occurrence.base == OffsetBase::kClock || late < 0) return late;
   return std::max(0L, late - 59);
 }
@@ -132,9 +127,10 @@ void FiringDesk::Begin(std::time_t from, std::time_t now, const std::string& cau
 
 void FiringDesk::FindMissed(DayPlan& plan, std::time_t from, std::time_t now,
                             std::vector<Missed>* missed) {
+  const std::time_t begins = FirstSecondOf(plan.Date());
   for (const PlannedOccurrence& occurrence : plan.InOrder()) {
     if (occurrence.state != OccurrenceState::kPending) continue;
-    const std::time_t due = TurnOf(occurrence.due.value_or(occurrence.planned), plan.Date());
+    const std::time_t due = std::max(begins, occurrence.due.value_or(occurrence.planned));
     if (due > now) {
       if (plan.Date() == LocalDay(now)) continue;
       Carry(occurrence, plan.Date());
@@ -142,7 +138,7 @@ void FiringDesk::FindMissed(DayPlan& plan, std::time_t from, std::time_t now,
     }
     // What was due before had its turn, or came into the schedule after its time.
     if (due > from) {
-      missed->push_back({occurrence, plan.Date(), LateSeconds(occurrence, plan.Date(), now)});
+      missed->push_back({occurrence, plan.Date(), LateSeconds(occurrence, begins, now)});
     }
     plan.Remove(occurrence.event);
   }
@@ -169,7 +165,7 @@ void FiringDesk::DecideMissed(std::vector<Missed> missed, const std::string& cau
 
 void FiringDesk::Decide(PlannedOccurrence& occurrence, const DayFields& date, Circumstances given,
                         const std::string& cause, std::time_t now) {
-  const long late = LateSeconds(occurrence, date, now);
+  const long late = LateSeconds(occurrence, FirstSecondOf(date), now);
   const GateVerdict verdict = Judge({house_.ProgrammingOf(occurrence.event), date,
                                      house_.AwayBefore(), book_.WasActedOn(occurrence.event, date),
                                      book_.WasHeld(occurrence.event, date, occurrence.planned),

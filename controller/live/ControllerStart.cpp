@@ -263,6 +263,7 @@ void Controller::TellInterrupted(const JournalRow& fired) {
 void Controller::WriteStamp(ProjectStore& store) {
   if (scheduler_ == nullptr) return;
   if (!backupReason_.empty()) store.BackUpState(kSchedulerName, backupReason_);
+  Journal::Bound(store);
   store.SaveSettings({{kAccountedUntil, std::to_string(desk_.AccountedUntil())}});
 }
 

@@ -124,6 +124,9 @@ TEST_F(JournalTest, KeepsAHundredThousandRows) {
   Journal::Prune(store, kNow);
   EXPECT_EQ(store.Database().Number("SELECT count(*) FROM journal"), Journal::kKeptRows);
   EXPECT_EQ(store.Database().Number("SELECT min(id) FROM journal"), 6);
+  Journal::Write(store, Row("fired", kNow));
+  Journal::Bound(store);
+  EXPECT_EQ(store.Database().Number("SELECT count(*) FROM journal"), Journal::kKeptRows);
 }
 
 }  // namespace
