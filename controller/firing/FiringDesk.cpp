@@ -25,6 +25,11 @@ long LateSeconds(const PlannedOccurrence& occurrence, std::time_t dayBegins, std
   return std::max(0L, late - 59);
 }
 
+/// The last second in which its random part, whatever that is, may bring it.
+std::time_t LastMoment(const PlannedOccurrence& occurrence) {
+  return occurrence.planned + 60 * occurrence.spread + 59;
+}
+
 OffsetBase BaseOf(const EventElement& event) {
   if (event.offset == static_cast<int>(OffsetBase::kSunrise)) return OffsetBase::kSunrise;
   if (event.offset == static_cast<int>(OffsetBase::kSunset)) return OffsetBase::kSunset;
@@ -136,9 +141,13 @@ void FiringDesk::FindMissed(DayPlan& plan, std::time_t from, std::time_t now,
       Carry(occurrence, plan.Date());
       continue;
     }
-    // What was due before had its turn, or came into the schedule after its time.
-    if (due > from) {
-      missed->push_back({occurrence, plan.Date(), LateSeconds(occurrence, begins, now)});
+    // What was due before came into the schedule after its time. Or else it was drawn otherwise
+    // before the schedule was changed, for a time that had not come.
+    const bool drawnOtherwise =
+        occurrence.due && occurrence.spread > 0 && LastMoment(occurrence) > from;
+    if (due > from || drawnOtherwise) {
+      missed->push_back({occurrence, plan.Date(), LateSeconds(occurrence, begins, now),
+                         /*leftOut=*/due <= from});
     }
     plan.Remove(occurrence.event);
   }
@@ -158,7 +167,8 @@ void FiringDesk::DecideMissed(std::vector<Missed> missed, const std::string& cau
     const Missed* latest = last[each.occurrence.event];
     const Programming& programming = house_.ProgrammingOf(each.occurrence.event);
     const bool superseded = latest != &each && IsCaughtUp(programming.catchUp, each.lateSeconds);
-    Decide(each.occurrence, each.date, {superseded, false, false, nullptr}, cause, now);
+    Decide(each.occurrence, each.date, {superseded, each.leftOut, false, nullptr},
+           each.leftOut ? "left-out" : cause, now);
     if (each.date == plan_.Date()) plan_.Put(each.occurrence);
   }
 }
@@ -250,6 +260,7 @@ void FiringDesk::DecideFired(const Fired& fired, std::time_t now) {
     occurrence.due =
         occurrence.planned + 60 * std::clamp(minutes, -occurrence.spread, occurrence.spread);
   }
+  DropCarried(event, plan_.Date());
   Decide(occurrence, plan_.Date(), {false, false, !listed, &fired.triggers}, "clock-jump", now);
   // What was acted on is shown so, also where it came up again and was held back.
   if (wasFired || !listed) return;
@@ -259,7 +270,7 @@ void FiringDesk::DecideFired(const Fired& fired, std::time_t now) {
 bool FiringDesk::DecideCarried(std::time_t now) {
   bool any = false;
   for (auto each = carried_.begin(); each != carried_.end();) {
-    if (*each->occurrence.due > now) {
+    if (each->at > now) {
       ++each;
       continue;
     }
@@ -275,30 +286,36 @@ bool FiringDesk::DecideCarried(std::time_t now) {
 
 std::optional<std::time_t> FiringDesk::NextCarried() const {
   std::optional<std::time_t> next;
-  for (const Missed& each : carried_) {
-    if (!next || *each.occurrence.due < *next) next = each.occurrence.due;
-  }
+  if (!carried_.empty()) next = carried_.front().at;
   return next;
 }
 
 bool FiringDesk::HasCarriedOf(const DayFields& day) const {
   return std::any_of(carried_.begin(), carried_.end(),
-                     [&day](const Missed& each) { return each.date <= day; });
+                     [&day](const Carried& each) { return each.date <= day; });
 }
 
 void FiringDesk::Carry(PlannedOccurrence occurrence, const DayFields& date) {
   if (!occurrence.due) occurrence.due = occurrence.planned;
-  std::erase_if(carried_, [&](const Missed& each) {
-    return each.date == date && each.occurrence.event == occurrence.event;
+  CarryUntil(*occurrence.due, std::move(occurrence), date);
+}
+
+void FiringDesk::CarryUntil(std::time_t at, PlannedOccurrence occurrence, const DayFields& date) {
+  DropCarried(occurrence.event, date);
+  const auto later =
+      std::upper_bound(carried_.begin(), carried_.end(), at,
+                       [](std::time_t moment, const Carried& each) { return moment < each.at; });
+  carried_.insert(later, {std::move(occurrence), date, at});
+}
+
+void FiringDesk::DropCarried(unsigned long event, const DayFields& date) {
+  std::erase_if(carried_, [&](const Carried& each) {
+    return each.date == date && each.occurrence.event == event;
   });
-  const auto later = std::upper_bound(
-      carried_.begin(), carried_.end(), *occurrence.due,
-      [](std::time_t due, const Missed& each) { return due < *each.occurrence.due; });
-  carried_.insert(later, {std::move(occurrence), date, 0});
 }
 
 bool FiringDesk::IsCarried(unsigned long event, const DayFields& date) const {
-  return std::any_of(carried_.begin(), carried_.end(), [&](const Missed& each) {
+  return std::any_of(carried_.begin(), carried_.end(), [&](const Carried& each) {
     return each.occurrence.event == event && each.date == date;
   });
 }
@@ -319,8 +336,7 @@ void FiringDesk::CloseDay(std::time_t now) {
   const std::time_t midnight = LocalInstant(DaysAfter(plan_.Date(), 1), 0, 0);
   for (PlannedOccurrence occurrence : plan_.InOrder()) {
     if (occurrence.state != OccurrenceState::kPending) continue;
-    // One that was drawn when it was added may have been drawn into the past, and was then left
-    // out.
+    // One that was drawn when it was added is waited for already.
     if (!occurrence.due && occurrence.planned + 60 * occurrence.spread < midnight) continue;
     if (!occurrence.due) occurrence.due = std::max(occurrence.planned, now);
     Carry(std::move(occurrence), plan_.Date());
@@ -331,7 +347,7 @@ void FiringDesk::NewDay(const ScheduleTrace& trace, std::time_t now) {
   plan_ = PlanOf(trace.day, &trace);
   TakeUpDecided(plan_, now);
   // Of a day that comes again: what is drawn anew is the scheduler's once more.
-  std::erase_if(carried_, [&](const Missed& each) {
+  std::erase_if(carried_, [&](const Carried& each) {
     const PlannedOccurrence* again = plan_.Find(each.occurrence.event);
     return each.date == trace.day && again != nullptr && !again->leftOut;
   });
@@ -344,14 +360,22 @@ void FiringDesk::OnEventChanged(unsigned long event, std::time_t now) {
   PlannedOccurrence* before = plan_.Find(event);
   const bool decided = before != nullptr && before->state != OccurrenceState::kPending;
   if (before != nullptr && !decided) plan_.Remove(event);
-  std::erase_if(carried_, [&](const Missed& each) {
-    return each.occurrence.event == event && each.date == plan_.Date();
+  // What is left of an earlier day stays what it was, unless its event is gone.
+  std::erase_if(carried_, [&](const Carried& each) {
+    return each.occurrence.event == event && (element == nullptr || each.date == plan_.Date());
   });
   if (element != nullptr && !(decided && before->state == OccurrenceState::kFired)) {
     const auto taken = Listed(event, now);
     if (taken && taken->planned + 60 * taken->spread > now) {
       plan_.Put(*taken);
-      if (taken->leftOut) Carry(*taken, plan_.Date());
+      if (taken->leftOut) {
+        Carry(*taken, plan_.Date());
+      } else if (taken->spread > 0) {
+        // It was drawn as it was taken up, nobody knows for when; maybe for a time that has passed.
+        PlannedOccurrence mayBeLeftOut = *taken;
+        mayBeLeftOut.leftOut = true;
+        CarryUntil(LastMoment(*taken) + 1, std::move(mayBeLeftOut), plan_.Date());
+      }
     }
   }
   house_.OnPlanChanged();

@@ -96,6 +96,15 @@ class FiringDesk {
     PlannedOccurrence occurrence;
     DayFields date;
     long lateSeconds = 0;
+    bool leftOut = false;
+  };
+
+  /// What the scheduler will not fire, or may not.
+  struct Carried {
+    PlannedOccurrence occurrence;
+    DayFields date;
+    /// When it is decided about.
+    std::time_t at = 0;
   };
 
   struct Fired {
@@ -122,6 +131,8 @@ class FiringDesk {
   void DecideFired(const Fired& fired, std::time_t now);
   void CloseDay(std::time_t now);
   void Carry(PlannedOccurrence occurrence, const DayFields& date);
+  void CarryUntil(std::time_t at, PlannedOccurrence occurrence, const DayFields& date);
+  void DropCarried(unsigned long event, const DayFields& date);
   bool IsCarried(unsigned long event, const DayFields& date) const;
   void CarryLeftOut();
   void NewDay(const ScheduleTrace& trace, std::time_t now);
@@ -136,9 +147,10 @@ class FiringDesk {
   ScheduleTraceReader trace_;
   std::vector<Fired> fired_;
   /// What the scheduler will not fire, because it has dropped it with its day or left it out; they
-  /// are caught up when their time comes. In the order of their time, which is known; each
-  /// occurrence once.
-  std::vector<Missed> carried_;
+  /// are caught up when their time comes. So is what may have been drawn into the past as it came
+  /// into the schedule, once it can no longer come. In the order of that time; each occurrence
+  /// once.
+  std::vector<Carried> carried_;
   std::time_t accountedUntil_ = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <set>
 
 #include "DeskHouse.h"
 
@@ -384,6 +385,61 @@ TEST(FiringDesk, AnEventThatComesTooLateForTodayIsNotMissed) {
   EXPECT_THAT(house.States(), IsEmpty());
   house.RunUntil("2024-03-06T08:00:10");
   house.RestartAt("2024-03-06T08:01:00");
+  EXPECT_THAT(house.Decided(), IsEmpty());
+}
+
+TEST(FiringDesk, WhatIsDrawnIntoThePastAsItIsAddedComesWhenItsRandomPartIsOver) {
+  DeskHouse house("2024-03-06T07:00:00");
+  for (const char* name : {"a", "b", "c", "d", "e", "f"}) house.Daily(name, kSeven, 30);
+  house.programming[2].catchUp.policy = CatchUp::Policy::kIgnore;
+  house.programming[3].catchUp.policy = CatchUp::Policy::kIgnore;
+  house.RunUntil("2024-03-06T07:30:59");
+  const auto inTime = house.Decided();
+  EXPECT_THAT(inTime, testing::Not(IsEmpty()));
+  EXPECT_THAT(inTime, testing::Each(testing::HasSubstr("fired timer 03-06 07:00+")));
+  house.RunUntil("2024-03-06T07:31:00");
+  const auto leftOut = house.Decided();
+  EXPECT_THAT(leftOut, testing::Not(IsEmpty()));
+  EXPECT_THAT(leftOut, testing::Each(testing::AnyOf(
+                           "1 fired caught-up 03-06 07:00", "2 missed left-out 03-06 07:00",
+                           "3 missed left-out 03-06 07:00", "4 fired caught-up 03-06 07:00",
+                           "5 fired caught-up 03-06 07:00", "6 fired caught-up 03-06 07:00")));
+  EXPECT_EQ(inTime.size() + leftOut.size(), 6u);
+  EXPECT_THAT(house.States(), testing::Not(testing::Contains(testing::HasSubstr("pending"))));
+  house.RunUntil("2024-03-07T00:00:05");
+  EXPECT_THAT(house.Decided(), IsEmpty());
+}
+
+TEST(FiringDesk, ARestartThatDrawsOtherwiseBecauseAnEventIsGoneLosesNothing) {
+  bool drawnIntoThePast = false;
+  for (const char* restart : {"2024-03-06T06:40:00", "2024-03-06T07:00:00", "2024-03-06T07:20:00",
+                              "2024-03-06T07:40:00"}) {
+    DeskHouse house("2024-03-05T23:59:58");
+    const auto first = house.Daily("first", kSeven, 59);
+    for (const char* name : {"a", "b", "c", "d", "e"}) house.Daily(name, kSeven, 59);
+    house.RunUntil("2024-03-06T05:00:00");
+    house.Delete(first);
+    house.RunUntil(restart);
+    house.RestartAt(restart);
+    house.RunUntil("2024-03-06T09:00:00");
+    std::set<char> told;
+    for (const std::string& decided : house.Decided()) {
+      if (decided.find("held already-acted") != std::string::npos) continue;
+      EXPECT_TRUE(told.insert(decided[0]).second) << decided << " at " << restart;
+      drawnIntoThePast |= decided.find("left-out") != std::string::npos ||
+                          decided.find("caught-up") != std::string::npos;
+    }
+    EXPECT_THAT(told, ElementsAre('2', '3', '4', '5', '6')) << restart;
+  }
+  EXPECT_TRUE(drawnIntoThePast) << "it tests nothing";
+}
+
+TEST(FiringDesk, WhatIsLeftOfAnEveningGoesWithItsEvent) {
+  DeskHouse house("2024-03-06T20:00:00");
+  const auto late = house.Daily("half past midnight", 24 * 60 + 30);
+  house.RunUntil("2024-03-07T00:10:00");
+  house.Delete(late);
+  house.RunUntil("2024-03-07T00:40:00");
   EXPECT_THAT(house.Decided(), IsEmpty());
 }
 
