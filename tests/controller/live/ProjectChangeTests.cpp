@@ -63,6 +63,7 @@ TEST(ProjectChanges, WhatWasMissedDuringAnAbsenceIsNotCaughtUpAfterIt) {
   {
     const ClockScope comingHome(LocalInstant(DaysAfter(today, 2), 12, 0));
     house.Restart();
+    ASSERT_TRUE(house.Until([&] { return !house.Rows("held").empty(); }));
   }
   EXPECT_TRUE(house.Rows("fired").empty());
   const auto held = house.Rows("held");
