@@ -1,9 +1,12 @@
 #include "controller/Log.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,6 +18,11 @@ namespace {
 
 LogLevel mostVerbose = LogLevel::kInfo;
 bool journalReads = false;
+/// Lines that could not be written, and have not been told of yet.
+unsigned long unread = 0;
+
+/// How long a reader may take, once.
+constexpr int kReaderPauseMs = 5;
 
 const char* Name(LogLevel level) {
   switch (level) {
@@ -34,14 +42,24 @@ std::string Format(const char* format, const tm& fields) {
   return {text.data(), std::strftime(text.data(), text.size(), format, &fields)};
 }
 
-/// In one piece where the system lets it, so that lines of several processes do not mix.
-void WriteAll(int fd, std::string_view text) {
+/// Whether `fd` takes up to `PIPE_BUF` bytes at once. Somebody who has stopped reading must not
+/// stop the house.
+bool TakesMore(int fd) {
+  pollfd waiting{fd, POLLOUT, 0};
+  return poll(&waiting, 1, unread == 0 ? kReaderPauseMs : 0) == 1;
+}
+
+/// In one piece where the system lets it, so that lines of several processes do not mix. False
+/// where the reader does not keep up.
+bool WriteAll(int fd, std::string_view text) {
   while (!text.empty()) {
-    const ssize_t written = ::write(fd, text.data(), text.size());
+    if (!TakesMore(fd)) return false;
+    const ssize_t written = ::write(fd, text.data(), std::min<std::size_t>(text.size(), PIPE_BUF));
     if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return;
+    if (written <= 0) return true;
     text.remove_prefix(static_cast<std::size_t>(written));
   }
+  return true;
 }
 
 }  // namespace
@@ -58,7 +76,15 @@ void Log::Write(LogLevel level, std::string_view text) {
   timespec now{};
   clock_gettime(CLOCK_REALTIME, &now);
   const int keptErrno = errno;
-  WriteAll(STDERR_FILENO, FormatLogLine(level, text, journalReads, now));
+  if (unread > 0) {
+    const std::string gap = std::to_string(unread) + " lines are missing here: nobody read the log";
+    if (WriteAll(STDERR_FILENO, FormatLogLine(LogLevel::kWarning, gap, journalReads, now))) {
+      unread = 0;
+    }
+  }
+  const bool taken =
+      unread == 0 && WriteAll(STDERR_FILENO, FormatLogLine(level, text, journalReads, now));
+  if (!taken) ++unread;
   errno = keptErrno;
 }
 

@@ -12,8 +12,9 @@ enum class LogLevel : int { kError = 3, kWarning = 4, kInfo = 6, kDebug = 7 };
 /// The program's log, on standard error: one line per record, made printable (see `Printable`) so
 /// that no text from outside can forge a line. When the service manager's journal reads standard
 /// error a line begins with `<level>` and has no time, since the journal keeps both. Driver's
-/// thread only. A line that cannot be written is lost; logging never fails and never ends the
-/// program.
+/// thread only. A line that cannot be written is lost; logging never fails, never ends the program,
+/// and never waits for a reader that has stopped: how many lines are missing is told once it reads
+/// on.
 class Log {
  public:
   /// Lines that matter less than `level` are left out from now on. Also finds out who reads

@@ -1,6 +1,9 @@
 #include "controller/Log.h"
 
+#include <algorithm>
+#include <array>
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -33,6 +36,33 @@ TEST(LogLine, CannotBeForgedByWhatItReports) {
 
 TEST(LogLine, OfAMegabyteIsCut) {
   EXPECT_LT(FormatLogLine(LogLevel::kInfo, std::string(1 << 20, 'x'), true, kMoment).size(), 9000u);
+}
+
+// A pipe that nobody reads is full after 64 kB.
+TEST(Log, AReaderThatHasStoppedDoesNotStopTheHouse) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const int before = dup(STDERR_FILENO);
+  dup2(ends[1], STDERR_FILENO);
+  for (int line = 0; line < 100; ++line) Log::Info(std::string(2000, 'x'));
+  fcntl(ends[0], F_SETFL, O_NONBLOCK);
+  std::string read;
+  std::array<char, 65536> bytes;
+  const auto take = [&] {
+    for (ssize_t got; (got = ::read(ends[0], bytes.data(), bytes.size())) > 0;) {
+      read.append(bytes.data(), static_cast<std::size_t>(got));
+    }
+  };
+  take();
+  Log::Info("goes on");
+  take();
+  dup2(before, STDERR_FILENO);
+  for (const int fd : {before, ends[0], ends[1]}) close(fd);
+  const auto written = static_cast<std::size_t>(std::count(read.begin(), read.end(), '\n')) - 2;
+  EXPECT_GT(written, 20u);
+  EXPECT_THAT(read, testing::HasSubstr(std::to_string(100 - written) +
+                                       " lines are missing here: nobody read the log\n"));
+  EXPECT_THAT(read, testing::EndsWith("goes on\n"));
 }
 
 TEST(LogTime, ShowsTheOffsetWithItsSign) {
