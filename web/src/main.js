@@ -5,7 +5,7 @@ import {offsetOf, offsetText, wall} from './dates.js';
 import {button, h, icon, replace} from './dom.js';
 import {house} from './house.js';
 import {longDate, onSettings, readSettings, t, timeText} from './locale.js';
-import {dialog, failed, undo} from './notices.js';
+import {dialog, failed, reached, undo} from './notices.js';
 import {placeText} from './place.js';
 import {today} from './views/today.js';
 
@@ -55,7 +55,7 @@ async function show(focus) {
   const route = routeOf(location.hash);
   wantedRoute = route;
   const make = await route.load().catch(() => {
-    throw new Error(t('error.offline'));
+    throw new api.ApiError(0, {detail: t('error.offline')});
   });
   if (route !== wantedRoute) return; // Somebody was quicker than the network.
   view?.end?.();
@@ -199,7 +199,10 @@ function listen() {
     });
   }
   house.addEventListener('project', drawHead);
-  house.addEventListener('connection', drawConnection);
+  house.addEventListener('connection', () => {
+    if (house.connection === 'live') reached();
+    drawConnection();
+  });
   house.addEventListener('saving', drawConnection);
   onSettings(() => {
     drawFrame();

@@ -72,9 +72,22 @@ export function notice(text, {kind = 'plain', undo: takeBack, choices, waits = f
   return close;
 }
 
+/** What stands on the shelf because the controller could not be reached. */
+const offline = new Map();
+
+/** Says what went wrong, once for as long as it stands there. */
 export function failed(error) {
   if (error.name === 'AbortError') return;
-  notice(error.message, {kind: 'bad'});
+  const unreached = error.status === 0;
+  offline.get(error.message)?.();
+  const close = notice(error.message, {kind: 'bad'});
+  if (unreached) offline.set(error.message, close);
+}
+
+/** The controller can be reached again: that it could not is over. */
+export function reached() {
+  for (const close of offline.values()) close();
+  offline.clear();
 }
 
 /**

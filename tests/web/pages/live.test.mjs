@@ -216,8 +216,15 @@ test('a controller that goes away is missed, and greeted when it is back', async
   await house.halt();
   await page.locator('#connection.lost').waitFor();
   await page.locator('#alarm').getByText('The controller cannot be reached.').waitFor();
+  for (const view of ['Calendar', 'Journal', 'Calendar']) {
+    await page.getByRole('link', {name: view, exact: true}).click();
+    await page.locator('.notice.bad').waitFor();
+  }
+  assert.equal(await page.locator('.notice.bad').count(), 1, 'it is said once');
   await house.restart();
   await page.locator('#alarm').waitFor({state: 'hidden'});
+  await page.locator('.notice.bad').waitFor({state: 'detached'});
+  await page.locator('.chip, .agendaday').first().waitFor();
   await page.done();
 });
 
