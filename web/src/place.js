@@ -2,8 +2,16 @@
 
 import {numberText, t} from './locale.js';
 
-/** "52.52, 13.405", with a point or comma as decimals say it, and N, S, E, W. */
-export function readPlace(text) {
+/** "52.52, 13.405", with a point or comma as decimals say it, N, S, E, W, or "52°31′ N, 13°24′ E". */
+export function readPlace(typed) {
+  // Minutes and seconds of arc are parts of a degree.
+  const text = typed.replace(
+    /(\d{1,3})\s*°\s*(\d{1,2}(?:[.,]\d+)?)\s*[′'](?:\s*(\d{1,2}(?:[.,]\d+)?)\s*(?:[″"]|''))?/g,
+    (all, degrees, minutes, seconds = '0') => {
+      const [m, s] = [minutes, seconds].map((part) => Number(part.replace(',', '.')));
+      return String(Number((Number(degrees) + m / 60 + s / 3600).toFixed(6)));
+    },
+  );
   const parts =
     /^\s*([+-]?\d{1,3}(?:[.,]\d+)?)\s*°?\s*([NS])?\s*[,;\s]\s*([+-]?\d{1,3}(?:[.,]\d+)?)\s*°?\s*([EOW])?\s*$/i.exec(
       text.replace(/−/g, '-'),

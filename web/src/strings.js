@@ -522,6 +522,8 @@ export const strings = {
     'project.typedHint': 'In degrees, north and east positive',
     'project.setPlace': 'Set place',
     'project.noPlace': '“{text}” is no place; write 52.52, 13.405',
+    'project.noCity':
+      '“{text}” is not among the cities of the time zones; choose one nearby, or type latitude and longitude',
     'project.placed': 'The house is at {place}',
     'project.away': 'Away',
     'project.atHome': 'The house is lived in: everything acts.',
@@ -1088,6 +1090,8 @@ export const strings = {
     'project.typedHint': 'In Grad, Nord und Ost positiv',
     'project.setPlace': 'Ort setzen',
     'project.noPlace': '„{text}“ ist kein Ort; schreiben Sie 52.52, 13.405',
+    'project.noCity':
+      '„{text}“ ist nicht unter den Städten der Zeitzonen; wählen Sie eine in der Nähe, oder geben Sie Breite und Länge an',
     'project.placed': 'Das Haus steht bei {place}',
     'project.away': 'Abwesend',
     'project.atHome': 'Das Haus ist bewohnt: alles wirkt.',

@@ -4,7 +4,7 @@ import assert from 'node:assert/strict';
 import {readFile} from 'node:fs/promises';
 import test, {after, before} from 'node:test';
 
-import {closeBrowser, dayFromNow, open, openBrowser, until} from '../browser.mjs';
+import {closeBrowser, dayFromNow, findings, open, openBrowser, until} from '../browser.mjs';
 import {House} from '../house.mjs';
 
 let house;
@@ -51,6 +51,22 @@ test('the place is that of a city', async () => {
     .locator('#facts')
     .getByText(/33\.8\d° S, 151\.2\d° E/)
     .waitFor();
+  const typed = page.getByLabel('Latitude and longitude');
+  for (const name of ['york', 'são paulo']) {
+    await city.fill(name);
+    await city.press('Tab');
+    await until(
+      async () => /^(40\.7|-23\.5)\d*, -(74|46)/.test(await typed.inputValue()),
+      `the point of ${name}`,
+    );
+  }
+  const before = await typed.inputValue();
+  await city.fill('Atlantis');
+  await city.press('Tab');
+  await page.getByText('“Atlantis” is not among the cities').waitFor();
+  assert.equal(await city.getAttribute('aria-invalid'), 'true');
+  assert.equal(await typed.inputValue(), before);
+  assert.deepEqual(await findings(page), []);
   await page.done();
 });
 

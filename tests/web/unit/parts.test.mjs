@@ -88,6 +88,8 @@ test('a place is read in the ways people write it', () => {
   ];
   for (const [text, latitude, longitude] of rows)
     assert.deepEqual(readPlace(text), {latitude, longitude}, text);
+  assert.deepEqual(readPlace('52°31′12″N 13° 24\' E'), {latitude: 52.52, longitude: 13.4});
+  assert.deepEqual(readPlace('33°51.5′S, 151°12′E'), {latitude: -33.858333, longitude: 151.2});
   for (const text of ['', 'Berlin', '91, 0', '0, 181', '52.52', '1, 2, 3'])
     assert.equal(readPlace(text), null, text);
 });

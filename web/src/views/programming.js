@@ -241,7 +241,8 @@ class ProgrammingPage {
     const card = this.body.querySelector(at('li', action)) ?? this.body.querySelector('footer');
     const control = this.body.querySelector(`${at('input', pointer)}, ${at('textarea', pointer)}`);
     const note = card.querySelector(':scope > .error');
-    const text = control ? detail : `${pointer} ${detail}`;
+    const name = control?.ariaLabel ?? control?.labels?.[0]?.textContent ?? pointer;
+    const text = `${name}: ${detail}`;
     note.textContent = note.hidden ? text : `${note.textContent}; ${text}`;
     note.hidden = false;
     note.id ||= freshId('error');

@@ -90,6 +90,9 @@ function nameCard() {
   };
 }
 
+/** Without what one may leave out or write in another way: "sao paulo". */
+const plain = (text) => text.normalize('NFD').replace(/\p{M}/gu, '').trim().toLowerCase();
+
 function placeCard() {
   const now = h('p', {class: 'lead'});
   const warning = h('p', {class: 'held'});
@@ -106,6 +109,7 @@ function placeCard() {
     inputmode: 'text',
     placeholder: '52.52, 13.405',
   });
+  const noCity = h('p', {class: 'error', role: 'status'});
   let cities = null;
   const load = async () => {
     if (cities) return;
@@ -121,18 +125,30 @@ function placeCard() {
     }
   };
   city.addEventListener('focus', load);
-  const found = () =>
-    cities?.get(city.value) ??
-    [...(cities ?? [])].find(([label]) =>
-      label.toLowerCase().startsWith(city.value.trim().toLowerCase()),
-    )?.[1];
-  city.addEventListener('change', () => {
-    const one = city.value.trim() && found();
+  const found = () => {
+    const [labels, wanted] = [[...(cities ?? [])], plain(city.value)];
+    const one =
+      labels.find(([label]) => plain(label).startsWith(wanted)) ??
+      labels.find(([label]) => plain(label).includes(wanted));
+    return one?.[1];
+  };
+  /** Takes the point of the city that is written; whether there is none of that name. */
+  const take = () => {
+    const one = cities?.get(city.value) ?? (plain(city.value) && found());
     if (one) typed.value = `${one.latitude}, ${one.longitude}`;
+    const unknown = Boolean(cities && plain(city.value) && !one);
+    noCity.textContent = unknown ? t('project.noCity', {text: city.value.trim()}) : '';
+    city.toggleAttribute('aria-invalid', unknown);
+    if (unknown) city.setAttribute('aria-invalid', 'true');
+  };
+  city.addEventListener('change', () => {
+    if (cities) take();
+    else load().then(take);
   });
   const form = smallForm(
     [
       field(t('project.city'), city),
+      noCity,
       list,
       field(t('project.typed'), typed, t('project.typedHint')),
       h('button', {'data-key': 'save-place'}, t('project.setPlace')),
