@@ -95,11 +95,11 @@ void Warnings::AfterTheDay(const ProbedOccurrence& occurrence, long spread) {
   if (occurrence.time - spread * 60 > end) {
     return Warn("past-midnight", "on " + day +
                                      " its time lies after midnight, where that day's list ends: "
-                                     "it is dropped and never comes");
+                                     "it comes only where what was missed is caught up");
   }
   Warn("past-midnight", "on " + day +
-                            " its time may lie after midnight, where that day's list ends: it is "
-                            "then dropped");
+                            " its time may lie after midnight, where that day's list ends: it then "
+                            "comes only where what was missed is caught up");
 }
 
 void Warnings::BeforeTheDay(const ProbedOccurrence& occurrence, long spread) {

@@ -301,10 +301,10 @@ export const strings = {
     'warning.none-between': 'It never comes: none of its days lies between {day} and {other}.',
     'warning.starts-late':
       'It never comes: without an end it ends on {other}, before it starts on {day}. Give it an end.',
-    'warning.never-after':
-      'It never comes: on {day} its time lies after midnight, where the day’s list ends.',
-    'warning.may-be-dropped':
-      'On {day} its time may lie after midnight, where the day’s list ends: it is then dropped.',
+    'warning.after-midnight':
+      'On {day} its time lies after midnight, where the day’s list ends: it comes only where what was missed is caught up.',
+    'warning.maybe-after-midnight':
+      'On {day} its time may lie after midnight, where the day’s list ends: it then comes only where what was missed is caught up.',
     'warning.at-midnight':
       'On {day} its time lies before midnight, where the day’s list begins: it comes at midnight instead.',
     'warning.maybe-at-midnight':
@@ -867,10 +867,10 @@ export const strings = {
     'warning.none-between': 'Es kommt nie: keiner seiner Tage liegt zwischen {day} und {other}.',
     'warning.starts-late':
       'Es kommt nie: ohne Ende endet es am {other}, ehe es am {day} beginnt. Geben Sie ihm ein Ende.',
-    'warning.never-after':
-      'Es kommt nie: am {day} liegt seine Zeit nach Mitternacht, wo die Liste des Tages endet.',
-    'warning.may-be-dropped':
-      'Am {day} kann seine Zeit nach Mitternacht liegen, wo die Liste des Tages endet: dann entfällt es.',
+    'warning.after-midnight':
+      'Am {day} liegt seine Zeit nach Mitternacht, wo die Liste des Tages endet: es kommt nur, wo Verpasstes nachgeholt wird.',
+    'warning.maybe-after-midnight':
+      'Am {day} kann seine Zeit nach Mitternacht liegen, wo die Liste des Tages endet: dann kommt es nur, wo Verpasstes nachgeholt wird.',
     'warning.at-midnight':
       'Am {day} liegt seine Zeit vor Mitternacht, wo die Liste des Tages beginnt: es kommt stattdessen um Mitternacht.',
     'warning.maybe-at-midnight':

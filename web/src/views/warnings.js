@@ -15,10 +15,10 @@ const SAID = {
   'none-between': 'none of its days lies between {day} and its last day, {other}',
   'starts-late':
     'it starts on {day}, and without an end it ends on {other} already; give it an end',
-  'never-after':
-    "on {day} its time lies after midnight, where that day's list ends: it is dropped and never comes",
-  'may-be-dropped':
-    "on {day} its time may lie after midnight, where that day's list ends: it is then dropped",
+  'after-midnight':
+    "on {day} its time lies after midnight, where that day's list ends: it comes only where what was missed is caught up",
+  'maybe-after-midnight':
+    "on {day} its time may lie after midnight, where that day's list ends: it then comes only where what was missed is caught up",
   'at-midnight':
     "on {day} its time lies before midnight, where that day's list begins: it comes at midnight instead",
   'maybe-at-midnight':
