@@ -74,6 +74,20 @@ void DecisionBook::Forget(const DayFields& before) {
   decisions_.erase(decisions_.begin(), decisions_.lower_bound({before, 0}));
 }
 
+void DecisionBook::Move(const EventMoves& moves) {
+  decltype(decisions_) moved;
+  for (auto& [key, decisions] : decisions_) {
+    const auto move = moves.find(key.second);
+    const unsigned long event = move == moves.end() ? key.second : move->second;
+    if (event == 0) continue;
+    for (OccurrenceDecision& decision : decisions) {
+      decision.event = event;
+      moved[{key.first, event}].push_back(decision);
+    }
+  }
+  decisions_ = std::move(moved);
+}
+
 void DecisionBook::Write(ProjectStore& store, const OccurrenceDecision& decision) {
   // What was acted on stays acted on, whatever is noted about the same moment afterwards.
   SqliteStatement(store.Database(),
@@ -84,6 +98,24 @@ void DecisionBook::Write(ProjectStore& store, const OccurrenceDecision& decision
       .Bind(2, DayNumber(decision.date))
       .Bind(3, static_cast<std::int64_t>(decision.planned))
       .Bind(4, StateName(decision.outcome))
+      .Step();
+}
+
+void DecisionBook::Move(ProjectStore& store, const EventMoves& moves) {
+  // By way of numbers that no event has: one may move to where another has not moved away yet.
+  for (const auto& [from, to] : moves) {
+    if (to == 0) {
+      SqliteStatement(store.Database(), "DELETE FROM decision WHERE event = ?1")
+          .Bind(1, static_cast<std::int64_t>(from))
+          .Step();
+    } else {
+      SqliteStatement(store.Database(), "UPDATE decision SET event = ?2 WHERE event = ?1")
+          .Bind(1, static_cast<std::int64_t>(from))
+          .Bind(2, -static_cast<std::int64_t>(to))
+          .Step();
+    }
+  }
+  SqliteStatement(store.Database(), "UPDATE OR REPLACE decision SET event = -event WHERE event < 0")
       .Step();
 }
 

@@ -21,6 +21,10 @@ struct OccurrenceDecision {
   OccurrenceState outcome = OccurrenceState::kHeld;
 };
 
+/// The number that an event has from now on, by the one that it had; 0 where it is gone, and
+/// another event has the number.
+using EventMoves = std::map<unsigned long, unsigned long>;
+
 /// What became of each occurrence, so that none is acted on twice. The book is kept in memory as
 /// far back as it was loaded; who notes a decision also writes it to the project.
 class DecisionBook {
@@ -41,10 +45,13 @@ class DecisionBook {
   const OccurrenceDecision* Find(unsigned long event, const DayFields& date) const;
   /// Forgets, in memory, what lies before this day.
   void Forget(const DayFields& before);
+  /// What was decided goes with the events.
+  void Move(const EventMoves& moves);
 
   /// These throw a `Failure` where the database does.
   static void Write(ProjectStore& store, const OccurrenceDecision& decision);
   static void Prune(ProjectStore& store, const DayFields& before);
+  static void Move(ProjectStore& store, const EventMoves& moves);
 
  private:
   std::map<std::pair<DayFields, unsigned long>, std::vector<OccurrenceDecision>> decisions_;

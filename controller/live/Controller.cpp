@@ -139,11 +139,15 @@ void Controller::RestartScheduler(const std::string& cause,
   ReplaceScheduler(state, cause);
 }
 
-void Controller::ReplaceScheduler(const std::optional<std::string>& state,
-                                  const std::string& cause) {
+void Controller::ReplaceScheduler(const std::optional<std::string>& state, const std::string& cause,
+                                  const EventMoves& moves) {
   const std::time_t from = desk_.AccountedUntil();
   // While there is a scheduler still: for this, what waits may have to be saved.
   LoadBook(from);
+  if (!moves.empty()) {
+    desk_.Book().Move(moves);
+    committer_.Add([moves](ProjectStore& store) { DecisionBook::Move(store, moves); });
+  }
   DestroyScheduler();
   CreateScheduler(state, from, cause);
   committer_.Invalidate();

@@ -160,7 +160,9 @@ class Controller final : public House,
   void LookAtZoneFile();
   void LookAtClock();
   void RestartScheduler(const std::string& cause, const std::function<void()>& meanwhile);
-  void ReplaceScheduler(const std::optional<std::string>& state, const std::string& cause);
+  /// `moves` are the events that have other numbers in `state`.
+  void ReplaceScheduler(const std::optional<std::string>& state, const std::string& cause,
+                        const EventMoves& moves = {});
   void OnTrouble(const std::string& why);
   void WriteStamp(ProjectStore& store);
   void OnNewDay();

@@ -24,6 +24,33 @@ std::string ProjectText(const std::string& name, const Place& place,
   return json.dump();
 }
 
+/// Which events of `before` have another number in this schedule. They are known by their
+/// descriptions.
+EventMoves MovesTo(const std::string& state, const std::map<unsigned long, EventElement>& before) {
+  std::map<unsigned long, std::string> names;
+  std::map<std::string, unsigned long> numbers;
+  const auto document = ParseXml(state, "the schedule");
+  const VxXML::INode* events = EventsOf(*document->GetRoot());
+  for (const VxXML::INode* event = events == nullptr ? nullptr : events->GetFirstChild(); event;
+       event = event->GetNextSibling()) {
+    const EventElement read = ReadEventElement(*event);
+    names.emplace(read.eventid, read.description);
+    numbers.emplace(read.description, read.eventid);
+  }
+  EventMoves moves;
+  for (const auto& [id, event] : before) {
+    const auto same = names.find(id);
+    if (same != names.end() && same->second == event.description) continue;
+    const auto now = numbers.find(event.description);
+    if (now != numbers.end()) {
+      moves[id] = now->second;
+    } else if (same != names.end()) {
+      moves[id] = 0;
+    }
+  }
+  return moves;
+}
+
 }  // namespace
 
 void Controller::ChangeProject(const ProjectPatch& patch, const std::string& actor, Saved saved) {
@@ -85,7 +112,7 @@ void Controller::TakeSchedule(const std::string& state, const std::string& reaso
   {
     const ClockScope sameMoment(std::time(nullptr));
     host_.ExpireTimers();
-    ReplaceScheduler(state, "down");
+    ReplaceScheduler(state, "down", MovesTo(state, before));
   }
   JournalRow row = NewRow("change", "imported");
   row.actor = actor;

@@ -72,6 +72,52 @@ TEST(ProjectChanges, WhatWasMissedDuringAnAbsenceIsNotCaughtUpAfterIt) {
   EXPECT_EQ(held[0].date, event.start);
 }
 
+std::string ScheduleOf(std::vector<EventElement> events) {
+  std::string xml = "<event_data><current_id>9</current_id><events>";
+  for (const EventElement& event : events) xml += MakeEventElement(event)->ToString();
+  return xml + "</events></event_data>";
+}
+
+TEST(ProjectChanges, WhatWasActedOnTodayGoesWithItsEventIntoAnotherSchedule) {
+  LiveHouse house;
+  const DayFields today = DaysAfter(LocalDay(std::time(nullptr)), 1);
+  const ClockScope noon(LocalInstant(today, 12, 0));
+  const auto daily = [](unsigned long id, const char* name, int minutes) {
+    EventElement event = LiveHouse::Daily(name, minutes);
+    event.eventid = id;
+    return event;
+  };
+  ASSERT_TRUE(house.Get()
+                  .ImportSchedule(ScheduleOf({daily(1, "Porch", 11 * 60), daily(2, "Gate", 15 * 60),
+                                              daily(3, "Lamp", 16 * 60)}),
+                                  false, "ada", house.Saved())
+                  .done);
+  ASSERT_TRUE(house.WaitForSaved());
+  DecisionBook::Write(house.Get().Store(),
+                      {1, today, LocalInstant(today, 11, 0), OccurrenceState::kFired});
+  DecisionBook::Write(house.Get().Store(),
+                      {3, today, LocalInstant(today, 10, 0), OccurrenceState::kFired});
+  // The numbers of two are exchanged, and the third is another event's.
+  ASSERT_TRUE(house.Get()
+                  .ImportSchedule(ScheduleOf({daily(2, "Porch", 17 * 60), daily(1, "Gate", 15 * 60),
+                                              daily(3, "Door", 16 * 60)}),
+                                  false, "ada", house.Saved())
+                  .done);
+  ASSERT_TRUE(house.WaitForSaved());
+  const auto states = [&house] {
+    std::vector<std::string> texts;
+    for (const PlannedOccurrence& each : house.Get().Today()) {
+      texts.push_back(each.description + ' ' + StateName(each.state));
+    }
+    return texts;
+  };
+  EXPECT_THAT(states(),
+              testing::UnorderedElementsAre("Porch fired", "Gate pending", "Door pending"));
+  house.Crash();
+  EXPECT_THAT(states(),
+              testing::UnorderedElementsAre("Porch fired", "Gate pending", "Door pending"));
+}
+
 TEST(ProjectChanges, AnotherPlaceIsKnownToTheSchedulerAtOnce) {
   LiveHouse house;
   const auto sunrise = [&house] {
