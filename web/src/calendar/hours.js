@@ -140,6 +140,7 @@ function placed({occurrence, minutes, lane, of, more}, open, day) {
   if (!more) {
     const element = chip(occurrence, open);
     Object.assign(element.style, style);
+    if (of > 1) element.classList.add('tight');
     return element;
   }
   return h(

@@ -10,6 +10,9 @@ import {baseIcon, deedsOf, holdsText, momentText, nextOf, showEvent} from '../sh
 
 const SOON_DAYS = 7;
 const SOON_ROWS = 6;
+/** How high dots stand in the band, and what keeps two apart. */
+const LEVELS = ['62%', '36%', '87%'];
+const DOT_MINUTES = 16;
 
 export function today(root) {
   const next = h('section', {class: 'card next', 'aria-labelledby': 'next-title'});
@@ -245,6 +248,20 @@ function soonRow({event: id, description, date, time, base}) {
   );
 }
 
+/** Where each stands in the band, so that none hides another as long as there is room. */
+function stacked(occurrences) {
+  const last = LEVELS.map(() => -Infinity);
+  return occurrences
+    .map((one) => ({state: one.state, minutes: wall(whenOf(one)).minutes}))
+    .sort((a, b) => a.minutes - b.minutes)
+    .map((dot) => {
+      const free = last.findIndex((minutes) => dot.minutes - minutes >= DOT_MINUTES);
+      const level = free < 0 ? last.indexOf(Math.min(...last)) : free;
+      last[level] = dot.minutes;
+      return {...dot, level};
+    });
+}
+
 /** The day from midnight to midnight: light by the sun, now, and what occurs. */
 function dayBand() {
   const x = (minutes) => `${((minutes / 1440) * 100).toFixed(2)}%`;
@@ -264,8 +281,8 @@ function dayBand() {
       s('line', {class: 'hour', x1: x(hour * 60), x2: x(hour * 60), y1: 0, y2: '100%'}),
       s('text', {x: x(hour * 60), dx: 3, y: 11}, timeText(hour * 60)),
     ]),
-    house.today.occurrences.map((one) =>
-      s('circle', {class: `dot ${one.state}`, cx: x(wall(whenOf(one)).minutes), cy: '62%', r: 5}),
+    stacked(house.today.occurrences).map(({state, minutes, level}) =>
+      s('circle', {class: `dot ${state}`, cx: x(minutes), cy: LEVELS[level], r: 5}),
     ),
     s('line', {class: 'now', x1: x(now), x2: x(now), y1: 0, y2: '100%'}),
   );
