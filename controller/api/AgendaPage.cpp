@@ -1,6 +1,8 @@
 #include "controller/api/AgendaPage.h"
 
 #include <array>
+#include <optional>
+#include <utility>
 
 #include "controller/LocalTimeText.h"
 #include "controller/Printable.h"
@@ -39,14 +41,54 @@ std::string SunText(OffsetBase base) {
   }
 }
 
+/// How a state is said; the words of the page.
+std::string StateText(OccurrenceState state) {
+  switch (state) {
+    case OccurrenceState::kPending:
+      return "to come";
+    case OccurrenceState::kHeld:
+      return "held back";
+    default:
+      return StateName(state);
+  }
+}
+
+/// Why it came to that; empty where it is what one expects.
+std::string ReasonText(const std::string& reason) {
+  constexpr std::pair<const char*, const char*> kTexts[] = {
+      {"timer", ""},
+      {"caught-up", "caught up"},
+      {"by-hand", "by hand"},
+      {"already-acted", "it had already acted today"},
+      {"not-listed", "it belongs to another day"},
+      {"disabled", "it is switched off"},
+      {"away", "the house is away"},
+      {"paused", "it is paused"},
+      {"skipped", "it was to be skipped"},
+      {"journal", "it could not be recorded"},
+      {"down", "the controller was not running"},
+      {"clock-jump", "the clock jumped over it"},
+      {"past-midnight", "its time led over midnight"},
+      {"left-out", "the scheduler had left it out"},
+      {"superseded", "a later one was caught up"},
+  };
+  for (const auto& [name, text] : kTexts) {
+    if (reason == name) return text;
+  }
+  return reason;
+}
+
 /// One row: a time, a name, and what there is to say about it.
 void AppendRow(std::string& html, std::time_t time, const std::string& description,
-               const std::string& note, const std::string& state = "") {
+               const std::string& note, std::optional<OccurrenceState> outcome = std::nullopt) {
+  const std::string state = outcome ? StateName(*outcome) : "";
   html += "<li class=\"occurrence " + state + "\"><time datetime=\"" + MomentText(time) + "\">" +
           ClockText(time) + "</time><div class=\"what\">" + EscapedHtml(description);
   if (!note.empty()) html += "<small>" + EscapedHtml(note) + "</small>";
   html += "</div>";
-  if (!state.empty()) html += "<span class=\"state " + state + "\">" + state + "</span>";
+  if (outcome) {
+    html += "<span class=\"state " + state + "\">" + StateText(*outcome) + "</span>";
+  }
   html += "</li>\n";
 }
 
@@ -60,9 +102,9 @@ void AppendToday(std::string& html, House& house) {
   html += "<ol class=\"timeline\">\n";
   for (const PlannedOccurrence& occurrence : today) {
     std::string note = SunText(occurrence.base);
-    if (occurrence.state != OccurrenceState::kPending) note = occurrence.reason;
+    if (occurrence.state != OccurrenceState::kPending) note = ReasonText(occurrence.reason);
     AppendRow(html, occurrence.due.value_or(occurrence.planned), occurrence.description, note,
-              StateName(occurrence.state));
+              occurrence.state);
   }
   html += "</ol>\n";
 }

@@ -43,8 +43,8 @@ TEST(AgendaPage, ShowsTodayWithWhatBecameOfItAndTheDaysAfter) {
 
   const std::string page = AgendaHtml(house);
   EXPECT_THAT(page, HasSubstr("<h2>Friday, 20 November 2026</h2>"));
-  EXPECT_THAT(page, HasSubstr("Bell<small>paused</small>"));
-  EXPECT_THAT(page, HasSubstr("<span class=\"state held\">held</span>"));
+  EXPECT_THAT(page, HasSubstr("Bell<small>it is paused</small>"));
+  EXPECT_THAT(page, HasSubstr("<span class=\"state held\">held back</span>"));
   EXPECT_THAT(page, HasSubstr("<h2>Sunday, 22 November 2026</h2>"));
   EXPECT_THAT(page, HasSubstr("07:05</time><div class=\"what\">&lt;i&gt;Porch&lt;/i&gt;</div>"));
   EXPECT_THAT(page, Not(HasSubstr("Saturday, 21"))) << "a day without any is left out";
