@@ -84,6 +84,7 @@ function apply() {
   const root = globalThis.document?.documentElement;
   if (!root) return;
   root.lang = language();
+  root.dataset.clock = hours12() ? '12' : '24';
   if (setting('theme') === 'auto') delete root.dataset.theme;
   else root.dataset.theme = setting('theme');
 }

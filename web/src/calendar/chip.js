@@ -24,6 +24,8 @@ export function chip(occurrence, open) {
   const state = stateOf(occurrence);
   const past = day < house.date() ? ' past' : '';
   const odd = house.events.get(event)?.odd;
+  // " PM" may be left out where there is little room.
+  const [, clock, half] = /^(\S+)(.*)$/.exec(timeText(minutes));
   const element = h(
     'button',
     {
@@ -36,7 +38,12 @@ export function chip(occurrence, open) {
       onclick: () => open(occurrence),
     },
     icon(baseIcon(base)),
-    h('time', {datetime: `${day}T${clockText(minutes)}`}, timeText(minutes)),
+    h(
+      'time',
+      {datetime: `${day}T${clockText(minutes)}`},
+      clock,
+      half && h('span', {class: 'half'}, half),
+    ),
     h('span', {class: 'name'}, description),
     base !== 'clock' && h('span', {class: 'unseen'}, t(`chip.${base}`)),
     state && h('span', {class: 'unseen'}, t(`state.${state}`)),
