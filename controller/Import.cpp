@@ -1,9 +1,14 @@
+#include <ctime>
+#include <map>
+#include <optional>
 #include <ostream>
 
 #include "controller/Commands.h"
 #include "controller/Committer.h"
+#include "controller/EventMoves.h"
 #include "controller/Files.h"
 #include "controller/HousePlace.h"
+#include "controller/Journal.h"
 #include "controller/Printable.h"
 #include "controller/ProjectLock.h"
 #include "controller/ProjectPath.h"
@@ -69,13 +74,40 @@ std::string StateToKeep(const std::string& text, const DriverLoader& loader, con
                 std::to_string(expected) + " were expected; nothing was imported");
 }
 
+/// Nothing where there is no schedule, or none that can be read: then nobody knows whose is what
+/// the project holds besides.
+std::optional<std::map<unsigned long, EventElement>> EventsBefore(ProjectStore& store) {
+  const auto stored = store.State(kSchedulerName);
+  if (!stored) return std::nullopt;
+  try {
+    return EventsIn(stored->xml);
+  } catch (const Failure&) {
+    return std::nullopt;
+  }
+}
+
 void Replace(const ImportOptions& options, const DriverLoader& loader, const std::string& text,
              std::size_t expected) {
   const ProjectLock lock(PreparedProject(options.project), "import");
   ProjectStore store(options.project, ProjectStore::Use::kKeep);
   const HousePlace place = FindHousePlace(store, std::nullopt);
-  store.ReplaceState(kSchedulerName, StateToKeep(text, loader, place.place, expected),
-                     "replaced by an import");
+  const std::string state = StateToKeep(text, loader, place.place, expected);
+  const auto before = EventsBefore(store);
+  const auto after = EventsIn(state);
+  store.ReplaceState(kSchedulerName, state, "replaced by an import", [&] {
+    if (!before) return;
+    MoveDecisions(store, MovesBetween(*before, after));
+    MoveKeptProgramming(store, *before, after);
+    JournalRow row;
+    row.id = Journal(store).NextId();
+    row.at = std::time(nullptr);
+    row.kind = "change";
+    row.reason = "imported";
+    row.actor = "local";
+    row.text = "replaced by an import: " + CountText(before->size(), "event") + " before, " +
+               CountText(after.size(), "event") + " now";
+    Journal::Write(store, row);
+  });
 }
 
 }  // namespace

@@ -36,10 +36,11 @@ void ProjectStore::SaveState(std::string_view driver, std::string_view xml) {
 }
 
 void ProjectStore::ReplaceState(std::string_view driver, std::string_view xml,
-                                std::string_view reason) {
+                                std::string_view reason, const std::function<void()>& more) {
   SqliteTransaction transaction(database_);
   PutAside(driver, reason);
   WriteState(driver, xml);
+  if (more) more();
   transaction.Commit();
 }
 

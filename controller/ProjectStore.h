@@ -2,6 +2,7 @@
 
 #include <ctime>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -56,8 +57,9 @@ class ProjectStore {
   std::optional<StoredState> State(std::string_view driver);
   void SaveState(std::string_view driver, std::string_view xml);
   /// Saves `xml` and puts the state before it aside, for `reason`. The last ten that were put aside
-  /// are kept of each driver.
-  void ReplaceState(std::string_view driver, std::string_view xml, std::string_view reason);
+  /// are kept of each driver. `more` is part of the same transaction.
+  void ReplaceState(std::string_view driver, std::string_view xml, std::string_view reason,
+                    const std::function<void()>& more = {});
   /// Puts a copy of the present state aside.
   void BackUpState(std::string_view driver, std::string_view reason);
   /// The states that were put aside, the newest first.

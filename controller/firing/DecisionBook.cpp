@@ -101,24 +101,6 @@ void DecisionBook::Write(ProjectStore& store, const OccurrenceDecision& decision
       .Step();
 }
 
-void DecisionBook::Move(ProjectStore& store, const EventMoves& moves) {
-  // By way of numbers that no event has: one may move to where another has not moved away yet.
-  for (const auto& [from, to] : moves) {
-    if (to == 0) {
-      SqliteStatement(store.Database(), "DELETE FROM decision WHERE event = ?1")
-          .Bind(1, static_cast<std::int64_t>(from))
-          .Step();
-    } else {
-      SqliteStatement(store.Database(), "UPDATE decision SET event = ?2 WHERE event = ?1")
-          .Bind(1, static_cast<std::int64_t>(from))
-          .Bind(2, -static_cast<std::int64_t>(to))
-          .Step();
-    }
-  }
-  SqliteStatement(store.Database(), "UPDATE OR REPLACE decision SET event = -event WHERE event < 0")
-      .Step();
-}
-
 void DecisionBook::Prune(ProjectStore& store, const DayFields& before) {
   SqliteStatement(store.Database(), "DELETE FROM decision WHERE date < ?1")
       .Bind(1, DayNumber(before))

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "controller/EventElement.h"
+#include "controller/EventMoves.h"
 #include "controller/ProjectStore.h"
 #include "controller/firing/DayPlan.h"
 
@@ -20,10 +21,6 @@ struct OccurrenceDecision {
   /// Any but `kPending`.
   OccurrenceState outcome = OccurrenceState::kHeld;
 };
-
-/// The number that an event has from now on, by the one that it had; 0 where it is gone, and
-/// another event has the number.
-using EventMoves = std::map<unsigned long, unsigned long>;
 
 /// What became of each occurrence, so that none is acted on twice. The book is kept in memory as
 /// far back as it was loaded; who notes a decision also writes it to the project.
@@ -51,7 +48,6 @@ class DecisionBook {
   /// These throw a `Failure` where the database does.
   static void Write(ProjectStore& store, const OccurrenceDecision& decision);
   static void Prune(ProjectStore& store, const DayFields& before);
-  static void Move(ProjectStore& store, const EventMoves& moves);
 
  private:
   std::map<std::pair<DayFields, unsigned long>, std::vector<OccurrenceDecision>> decisions_;

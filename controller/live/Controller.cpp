@@ -146,7 +146,7 @@ void Controller::ReplaceScheduler(const std::optional<std::string>& state, const
   LoadBook(from);
   if (!moves.empty()) {
     desk_.Book().Move(moves);
-    committer_.Add([moves](ProjectStore& store) { DecisionBook::Move(store, moves); });
+    committer_.Add([moves](ProjectStore& store) { MoveDecisions(store, moves); });
   }
   DestroyScheduler();
   CreateScheduler(state, from, cause);

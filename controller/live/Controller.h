@@ -12,6 +12,7 @@
 #include "controller/Commands.h"
 #include "controller/Committer.h"
 #include "controller/DaySeed.h"
+#include "controller/DeletedEvents.h"
 #include "controller/DriverInstance.h"
 #include "controller/DriverLoader.h"
 #include "controller/Failure.h"
@@ -25,7 +26,6 @@
 #include "controller/Signals.h"
 #include "controller/firing/FiringDesk.h"
 #include "controller/live/ClockGuard.h"
-#include "controller/live/DeletedEvents.h"
 #include "controller/live/ProgrammingTable.h"
 #include "controller/record/ScenarioRecorder.h"
 

@@ -1,13 +1,13 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "controller/DeletedEvents.h"
 #include "controller/LocalTimeText.h"
 #include "controller/Log.h"
 #include "controller/Printable.h"
 #include "controller/ScheduleSummary.h"
 #include "controller/api/EventJson.h"
 #include "controller/live/Controller.h"
-#include "controller/live/DeletedEvents.h"
 #include "controller/programming/ProgrammingJson.h"
 
 namespace controller {

@@ -3,13 +3,13 @@
 #include <utility>
 
 #include "controller/Clock.h"
+#include "controller/DeletedEvents.h"
 #include "controller/Log.h"
 #include "controller/Printable.h"
 #include "controller/ProjectVariables.h"
 #include "controller/ScheduleSummary.h"
 #include "controller/ScratchAgent.h"
 #include "controller/live/Controller.h"
-#include "controller/live/DeletedEvents.h"
 
 namespace controller {
 
@@ -22,33 +22,6 @@ std::string ProjectText(const std::string& name, const Place& place,
   json["place"] = {{"latitude", place.latitude}, {"longitude", place.longitude}};
   json["away_until"] = awayUntil ? nlohmann::ordered_json(DayText(*awayUntil)) : nullptr;
   return json.dump();
-}
-
-/// Which events of `before` have another number in this schedule. They are known by their
-/// descriptions.
-EventMoves MovesTo(const std::string& state, const std::map<unsigned long, EventElement>& before) {
-  std::map<unsigned long, std::string> names;
-  std::map<std::string, unsigned long> numbers;
-  const auto document = ParseXml(state, "the schedule");
-  const VxXML::INode* events = EventsOf(*document->GetRoot());
-  for (const VxXML::INode* event = events == nullptr ? nullptr : events->GetFirstChild(); event;
-       event = event->GetNextSibling()) {
-    const EventElement read = ReadEventElement(*event);
-    names.emplace(read.eventid, read.description);
-    numbers.emplace(read.description, read.eventid);
-  }
-  EventMoves moves;
-  for (const auto& [id, event] : before) {
-    const auto same = names.find(id);
-    if (same != names.end() && same->second == event.description) continue;
-    const auto now = numbers.find(event.description);
-    if (now != numbers.end()) {
-      moves[id] = now->second;
-    } else if (same != names.end()) {
-      moves[id] = 0;
-    }
-  }
-  return moves;
 }
 
 }  // namespace
@@ -112,7 +85,7 @@ void Controller::TakeSchedule(const std::string& state, const std::string& reaso
   {
     const ClockScope sameMoment(std::time(nullptr));
     host_.ExpireTimers();
-    ReplaceScheduler(state, "down", MovesTo(state, before));
+    ReplaceScheduler(state, "down", MovesBetween(before, EventsIn(state)));
   }
   JournalRow row = NewRow("change", "imported");
   row.actor = actor;

@@ -261,6 +261,37 @@ TEST_F(ImportTest, KeepsTheScheduleBefore) {
   EXPECT_EQ(Run({"export", "--backup", "0"}).status, 1);
 }
 
+TEST_F(ImportTest, WhatEventsDoAndHaveDoneGoesWithThem) {
+  ASSERT_EQ(Import(Data(Event("1", "Porch") + Event("2", "Gate") + Event("3", "Lamp"))).status, 0);
+  {
+    ProjectStore store(project, ProjectStore::Use::kKeep);
+    controller::SqliteStatement(store.Database(),
+                                "INSERT INTO programming VALUES (1, 'porch'), (2, 'gate'), "
+                                "(3, 'lamp'), (9, 'nobody')")
+        .Step();
+    controller::SqliteStatement(store.Database(),
+                                "INSERT INTO decision VALUES (1, 20261121, 7, 'fired'), "
+                                "(2, 20261121, 7, 'held'), (3, 20261121, 7, 'fired')")
+        .Step();
+  }
+  // The numbers of two are exchanged, the third is another event's.
+  ASSERT_EQ(Import(Data(Event("2", "Porch") + Event("1", "Gate") + Event("3", "Door"))).status, 0);
+  const auto told = [this](const char* query) {
+    ProjectStore store(project, ProjectStore::Use::kLook);
+    controller::SqliteStatement rows(store.Database(), query);
+    std::string text;
+    while (rows.Step()) text += rows.TextAt(0) + ' ' + rows.TextAt(1) + '\n';
+    return text;
+  };
+  EXPECT_EQ(told("SELECT event, body FROM programming ORDER BY event"), "1 gate\n2 porch\n");
+  EXPECT_EQ(told("SELECT event, outcome FROM decision ORDER BY event"), "1 held\n2 fired\n");
+  EXPECT_EQ(told("SELECT reason, text FROM journal"),
+            "imported replaced by an import: 3 events before, 3 events now\n");
+  // What was put aside comes back with its event.
+  ASSERT_EQ(Import(Data(Event("2", "Porch") + Event("3", "Lamp"))).status, 0);
+  EXPECT_EQ(told("SELECT event, body FROM programming ORDER BY event"), "2 porch\n3 lamp\n");
+}
+
 TEST_F(ImportTest, ShowsHostileDescriptionsWithoutObeyingThem) {
   const auto result =
       Import(Data(Event("1", "a&#10;b&#13;\xE2\x80\xAE") + Event("1", "a&#10;child 9: dropped")));

@@ -1,4 +1,4 @@
-#include "controller/live/DeletedEvents.h"
+#include "controller/DeletedEvents.h"
 
 #include <ctime>
 
