@@ -98,7 +98,7 @@ export function t(key, values = {}) {
 }
 
 /** A name that is written from right to left, or turns what follows it, keeps to itself. */
-const isolated = (value) =>
+export const isolated = (value) =>
   /[\u0590-\u08ff\u200e\u200f\u202a-\u202e\u2066-\u2069\ufb1d-\ufdff\ufe70-\ufefc]/.test(value)
     ? `\u2068${value}\u2069`
     : value;

@@ -51,6 +51,28 @@ test('an event is drawn among the sun', () =>
     await page.done();
   }));
 
+test('a name without a space, from right to left or not, stays within the picture of the sun', () =>
+  withHouse({}, async (house) => {
+    const ids = [];
+    for (const description of ['W'.repeat(200), '\u202eturned']) {
+      const {id} = await house.ask('POST', '/events', {
+        description,
+        time: {base: 'sunset', minutes: 0},
+        repeat: {unit: 'day'},
+      });
+      ids.push(id);
+    }
+    const page = await open(house, `#/sun?events=${ids}`, {viewport: {width: 390, height: 844}});
+    const readout = page.locator('.readout');
+    await readout.getByText('WWWW').waitFor();
+    assert.match(await readout.innerText(), /\u2068\u202eturned\u2069 \d\d:\d\d$/);
+    const wider = await page.evaluate(
+      () => document.documentElement.scrollWidth - document.documentElement.clientWidth,
+    );
+    assert.ok(wider <= 0, `${wider} pixels too wide`);
+    await page.done();
+  }));
+
 test('polar days and nights are shown as what they are', () =>
   withHouse(
     {zone: 'Arctic/Longyearbyen', place: ['--latitude', '78.22', '--longitude', '15.65']},

@@ -4,7 +4,7 @@ import * as api from '../api.js';
 import {daysBetween, wall, yearOf} from '../dates.js';
 import {h, iconButton, replace} from '../dom.js';
 import {house} from '../house.js';
-import {dateText, longDate, t, timeText} from '../locale.js';
+import {dateText, isolated, longDate, t, timeText} from '../locale.js';
 import {failed} from '../notices.js';
 import {indexAt, picture, xOf} from './sunplot.js';
 
@@ -140,7 +140,7 @@ export function sun(root, {params}) {
     const own = traces.flatMap(({id, occurrences}) =>
       occurrences
         .filter(({date}) => date === day.date)
-        .map(({time}) => `${house.eventName(id)} ${timeText(wall(time).minutes)}`),
+        .map(({time}) => `${isolated(house.eventName(id))} ${timeText(wall(time).minutes)}`),
     );
     readout.textContent = [dayText(day), ...own].join(' · ');
     slider.setAttribute('aria-valuetext', readout.textContent);
