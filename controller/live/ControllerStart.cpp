@@ -243,7 +243,10 @@ void Controller::TellInterrupted() {
       const auto changed = earlier.find(row.event);
       const std::size_t begun = BegunActions(
           row, changed == earlier.end() ? programming_.Of(row.event).actions : changed->second);
-      if (ended[key] < begun) TellInterrupted(row);
+      // By hand it may have been worked twice in a second: each firing has actions of its own.
+      std::size_t& done = ended[key];
+      if (done < begun) TellInterrupted(row);
+      done -= std::min(done, begun);
     }
   }
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "LiveHouse.h"
+#include "controller/Clock.h"
 #include "controller/LocalTimeText.h"
 
 namespace controller {
@@ -171,6 +172,28 @@ TEST(Work, WhatWasUnderWayByHandWhenTheControllerDiedIsToldToo) {
   ASSERT_TRUE(house.Until([&] { return begun; }));
   house.Crash();
   ASSERT_TRUE(house.Until([&] { return !house.Rows("action").empty(); }));
+  EXPECT_EQ(house.Rows("action")[0].outcome, "unknown");
+}
+
+TEST(Work, OfTwoFiringsByHandInOneSecondTheOneThatWasUnderWayIsTold) {
+  const TempFolder folder;
+  LiveHouse house;
+  Programming programming = Writes(folder / "done");
+  programming.actions[0].delaySeconds = 3600;
+  const auto id =
+      house.Get().AddEvent(LiveHouse::Daily("Porch", 0), &programming, "ada", house.Saved());
+  {
+    const ClockScope sameSecond(std::time(nullptr));
+    house.Get().WorkByHand(id, {Trigger::kEvent}, "ada", [](std::int64_t) {});
+    ASSERT_TRUE(house.Until([&] { return house.Get().RunningActions().size() == 1; }));
+    programming.actions[0].delaySeconds = 0;
+    house.Get().SetProgramming(id, programming, "ada", house.Saved());
+    house.Get().WorkByHand(id, {Trigger::kEvent}, "ada", [](std::int64_t) {});
+    ASSERT_TRUE(house.Until([&] { return house.Rows("action").size() == 1; }));
+  }
+  house.Crash();
+  ASSERT_TRUE(house.Until([&] { return house.Rows("controller").size() == 2; }));
+  ASSERT_EQ(house.Rows("action").size(), 2u);
   EXPECT_EQ(house.Rows("action")[0].outcome, "unknown");
 }
 
