@@ -4,6 +4,7 @@
 #include <ctime>
 #include <fstream>
 #include <optional>
+#include <regex>
 #include <string_view>
 
 #include "controller/Log.h"
@@ -59,6 +60,19 @@ std::string TimeZoneName(const ZoneFiles& files) {
   }
   if (std::string name = NameOfFile(files.localtime); !name.empty()) return name;
   return FirstWordOf(files.timezone);
+}
+
+std::string UnknownTimeZone(const ZoneFiles& files) {
+  // Where a rule begins: a name, or one in angle brackets, and how far it is from UTC.
+  static const std::regex kRule("(<[A-Za-z0-9+-]{3,}>|[A-Za-z]{3,})[+-]?[0-9].*");
+  const char* given = std::getenv("TZ");
+  if (given == nullptr) return "";
+  const std::string zone = given[0] == ':' ? given + 1 : given;
+  const char* directory = std::getenv("TZDIR");
+  const fs::path folder = directory == nullptr ? files.zoneinfo : fs::path(directory);
+  std::error_code error;
+  if (zone.empty() || fs::is_regular_file(folder / zone, error)) return "";
+  return std::regex_match(zone, kRule) ? "" : zone;
 }
 
 void ReloadTimeZone() {

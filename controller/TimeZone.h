@@ -17,6 +17,10 @@ struct ZoneFiles {
 /// answered as it stands, "EST5EDT,M3.2.0,M11.1.0" for example. Empty where nothing tells.
 std::string TimeZoneName(const ZoneFiles& files = {});
 
+/// What TZ says where that is neither a zone that the system has nor a rule, so that the C library
+/// takes UTC for it without a word; else empty.
+std::string UnknownTimeZone(const ZoneFiles& files = {});
+
 /// Makes the C library read the zone's rules anew, also where TZ is as it was and only the file
 /// behind it has changed, which `tzset` alone would not notice.
 void ReloadTimeZone();

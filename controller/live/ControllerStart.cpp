@@ -94,6 +94,11 @@ Controller::Controller(ServeOptions options)
   SetPlace();
   zone_ = TimeZoneText();
   Log::Info("time zone " + zone_);
+  if (const std::string unknown = UnknownTimeZone(); !unknown.empty()) {
+    Log::Warning("TZ is " + Quoted(unknown) +
+                 ", which this system does not know, so the times are those of UTC; give a name "
+                 "such as Europe/Berlin");
+  }
   Log::Info("agent " + Quoted(loader_->Path()));
   if (ClockIsSane()) Begin();
 }

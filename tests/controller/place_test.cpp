@@ -143,6 +143,35 @@ TEST(TimeZoneName, ComesFromTheEnvironmentFirst) {
   }
 }
 
+TEST(UnknownTimeZone, IsWhatIsNeitherAFileNorARule) {
+  const EnvironmentScope noFolder("TZDIR", std::nullopt);
+  ZoneDirectory zones;
+  const struct {
+    std::string given;
+    std::string unknown;
+  } rows[] = {
+      {"", ""},
+      {":", ""},
+      {"America/New_York", ""},
+      {":America/New_York", ""},
+      {(zones.files.zoneinfo / "America/New_York").string(), ""},
+      {"UTC0", ""},
+      {"EST5EDT,M3.2.0,M11.1.0", ""},
+      {"<-01>1<+00>,M3.5.0/0,M10.5.0/1", ""},
+      {"TST-00:00:30", ""},
+      {"America/New_Yrok", "America/New_Yrok"},
+      {":America/New_Yrok", "America/New_Yrok"},
+      {"America", "America"},
+      {"/nonexistent/file", "/nonexistent/file"},
+  };
+  for (const auto& row : rows) {
+    const EnvironmentScope zone("TZ", row.given);
+    EXPECT_EQ(UnknownTimeZone(zones.files), row.unknown) << row.given;
+  }
+  const EnvironmentScope zone("TZ", std::nullopt);
+  EXPECT_EQ(UnknownTimeZone(zones.files), "");
+}
+
 TEST(TimeZoneName, ElseFromTheSystemsFiles) {
   const EnvironmentScope zone("TZ", std::nullopt);
   ZoneDirectory zones;
