@@ -45,6 +45,9 @@ JournalQuery ReadQuery(const HttpRequest& request) {
   }
   wanted.from = ReadMoment(query, "from", /*end=*/false);
   wanted.to = ReadMoment(query, "to", /*end=*/true);
+  if (wanted.from && wanted.to && *wanted.to < *wanted.from) {
+    QueryReader::Refuse("to", *query.Text("to"), "a time that is not before \"from\"");
+  }
   wanted.containing = query.Text("q").value_or("");
   wanted.before = query.Whole("before", 1, std::numeric_limits<long>::max());
   wanted.limit = static_cast<std::size_t>(query.Whole("limit", 1, kMostRows).value_or(kUsualRows));

@@ -27,6 +27,7 @@ Summary Summarise(ApiContext& api) {
   for (; node != nullptr; node = node->GetNextSibling()) {
     ++summary.events;
     const EventElement event = ReadEventElement(*node);
+    if (!api.house.ProgrammingOf(event.eventid).enabled) continue;
     const auto when = api.nextTimes.Of(api.house, *node, event);
     if (!when || (summary.when && *summary.when <= *when)) continue;
     summary.next = event.eventid;

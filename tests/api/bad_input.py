@@ -238,6 +238,7 @@ TARGETS = [
     ("GET", "/occurrences?limit=10001", 400), ("GET", "/occurrences?event=2", 404),
     ("GET", "/sun?date=today", 400), ("GET", "/sun?date=", 400), ("GET", "/sun/year?year=0", 400),
     ("GET", "/sun/year?year=2030.5", 400), ("GET", "/journal?kind=fires", 400),
+    ("GET", "/journal?from=2030-01-02&to=2030-01-01", 400),
     ("GET", "/journal?from=2030-01-01T00:00:00", 400), ("GET", "/journal?before=0", 400),
     ("GET", "/journal?limit=1001", 400), ("GET", "/journal?event=one", 400),
     ("GET", "/project/export?format=json", 400), ("PUT", "/variables/x/1", 404),

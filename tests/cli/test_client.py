@@ -239,6 +239,14 @@ class WhatIsSent(ClientTest):
                 self.assertEqual(house.requests[-1].json, patch)
                 self.assertIn('event 7 "Porch"', result.out)
 
+    def test_a_pause_ends_on_a_day_to_come(self):
+        for day in ("today", "2020-12-24"):
+            house = self.serve({"GET /events/7": event(), "PATCH /events/7/programming": PLAIN})
+            result = run("pause", "7", "--until", day, url=house.url)
+            self.ends(result, 2)
+            self.assertIn("has begun, give a later one", result.err)
+            self.assertNotIn("PATCH", [request.method for request in house.requests])
+
     def test_several_are_found_before_the_first_is_changed(self):
         house = self.serve({"GET /events/7": event()})
         self.ends(run("disable", "7", "8", url=house.url), 5)

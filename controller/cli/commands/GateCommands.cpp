@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "controller/Failure.h"
+#include "controller/Printable.h"
 #include "controller/cli/commands/ClientCommands.h"
 #include "controller/cli/commands/FindEvent.h"
 #include "controller/cli/commands/Session.h"
@@ -40,7 +41,13 @@ int Patch(const GateLine& line, Session& session, const Json& patch, const Done&
 }
 
 int Pause(const GateLine& line, Session& session) {
-  const std::string day = ParseDay("--until", line.until, session.Today());
+  const HouseToday today = session.Today();
+  const std::string day = ParseDay("--until", line.until, today);
+  if (day <= today()) {
+    throw Failure("--until is the day with which events begin again; " + Quoted(day) +
+                      " has begun, give a later one",
+                  ExitStatus::kBadInput);
+  }
   return Patch(line, session, {{"paused_until", day}}, {"paused ", " until " + day});
 }
 

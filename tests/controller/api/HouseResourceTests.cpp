@@ -183,7 +183,8 @@ TEST_F(HouseResource, AsksTheJournalForWhatIsWanted) {
   EXPECT_EQ(house.asked->from, Local("2026-11-20 12:00:00"));
   for (const char* query :
        {"kind=x", "event=0", "from=yesterday", "from=2026-11-20T25:00:00Z", "from=2026-11-20T11:00",
-        "to=2026-02-30T00:00:00Z", "before=0", "limit=0", "limit=1001", "page=2"}) {
+        "to=2026-02-30T00:00:00Z", "from=2026-11-20&to=2026-11-18", "before=0", "limit=0",
+        "limit=1001", "page=2"}) {
     EXPECT_EQ(client.Get(std::string("/journal?") + query).Problem(), "malformed") << query;
   }
 }
@@ -198,6 +199,8 @@ TEST_F(HouseResource, TellsHowItIs) {
   EXPECT_EQ(status["events"], 2);
   EXPECT_EQ(status["next"],
             (json{{"event", 2}, {"description", "Gate"}, {"time", "2026-11-20T17:00:00+01:00"}}));
+  client.Ask("PATCH", "/events/2/programming", R"({"enabled":false})");
+  EXPECT_EQ(client.Get("/status").Json()["next"]["event"], 1) << "a disabled one does nothing";
   EXPECT_EQ(status["saving"], (json{{"ok", true}}));
   EXPECT_EQ(status["counts"]["fired"]["timer"], 3);
   EXPECT_EQ(status["clock"]["jumps"], 1);
