@@ -38,6 +38,17 @@ OffsetBase BaseOf(const EventElement& event) {
 
 }  // namespace
 
+OccurrenceState OutcomeOf(const GateVerdict& verdict) {
+  switch (verdict.kind) {
+    case GateVerdict::Kind::kRun:
+      return OccurrenceState::kFired;
+    case GateVerdict::Kind::kMiss:
+      return OccurrenceState::kMissed;
+    default:
+      return OccurrenceState::kHeld;
+  }
+}
+
 PlannedOccurrence FiringDesk::Occurrence(const EventElement& event, std::time_t planned) const {
   PlannedOccurrence occurrence;
   occurrence.event = event.eventid;
@@ -193,9 +204,7 @@ void FiringDesk::Decide(PlannedOccurrence& occurrence, const DayFields& date, Ci
   decision.lateSeconds = std::max(0L, late);
   decision.reason = *verdict.reason == '\0' ? cause : verdict.reason;
   if (given.triggers != nullptr) decision.triggers = *given.triggers;
-  occurrence.state = verdict.kind == GateVerdict::Kind::kRun    ? OccurrenceState::kFired
-                     : verdict.kind == GateVerdict::Kind::kMiss ? OccurrenceState::kMissed
-                                                                : OccurrenceState::kHeld;
+  occurrence.state = OutcomeOf(verdict);
   occurrence.reason = decision.reason;
   book_.Note({occurrence.event, date, occurrence.planned, occurrence.state});
   occurrence.journalRow = house_.OnDecision(decision);

@@ -16,6 +16,9 @@
 
 namespace controller {
 
+/// What an occurrence comes to by a verdict: fired, missed or held.
+OccurrenceState OutcomeOf(const GateVerdict& verdict);
+
 /// What was decided about an occurrence.
 struct FiringDecision {
   GateVerdict verdict;

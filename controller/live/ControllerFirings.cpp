@@ -19,28 +19,6 @@ namespace {
 
 constexpr std::array<double, 8> kDelayBounds = {0.1, 0.25, 0.5, 1, 2.5, 5, 10, 60};
 
-const char* KindOf(const GateVerdict& verdict) {
-  switch (verdict.kind) {
-    case GateVerdict::Kind::kRun:
-      return "fired";
-    case GateVerdict::Kind::kMiss:
-      return "missed";
-    default:
-      return "held";
-  }
-}
-
-OccurrenceState OutcomeOf(const GateVerdict& verdict) {
-  switch (verdict.kind) {
-    case GateVerdict::Kind::kRun:
-      return OccurrenceState::kFired;
-    case GateVerdict::Kind::kMiss:
-      return OccurrenceState::kMissed;
-    default:
-      return OccurrenceState::kHeld;
-  }
-}
-
 std::string DecisionText(const FiringDecision& decision) {
   const std::string name = EventName(decision.event, decision.description);
   switch (decision.verdict.kind) {
@@ -125,7 +103,7 @@ void Controller::CountFiring(const FiringDecision& decision) {
 
 long long Controller::OnDecision(const FiringDecision& decision) {
   CountFiring(decision);
-  JournalRow row = NewRow(KindOf(decision.verdict), decision.reason);
+  JournalRow row = NewRow(StateName(OutcomeOf(decision.verdict)), decision.reason);
   row.at = decision.at;
   row.event = decision.event;
   row.description = decision.description;

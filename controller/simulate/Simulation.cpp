@@ -13,17 +13,6 @@ namespace controller {
 
 namespace {
 
-OccurrenceState OutcomeOf(const GateVerdict& verdict) {
-  switch (verdict.kind) {
-    case GateVerdict::Kind::kRun:
-      return OccurrenceState::kFired;
-    case GateVerdict::Kind::kMiss:
-      return OccurrenceState::kMissed;
-    default:
-      return OccurrenceState::kHeld;
-  }
-}
-
 OffsetBase BaseOf(const EventElement* event) {
   if (event == nullptr) return OffsetBase::kClock;
   if (event->offset == static_cast<int>(OffsetBase::kSunrise)) return OffsetBase::kSunrise;
