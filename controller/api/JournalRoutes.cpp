@@ -45,8 +45,8 @@ JournalQuery ReadQuery(const HttpRequest& request) {
   }
   wanted.from = ReadMoment(query, "from", /*end=*/false);
   wanted.to = ReadMoment(query, "to", /*end=*/true);
-  if (wanted.from && wanted.to && *wanted.to < *wanted.from) {
-    QueryReader::Refuse("to", *query.Text("to"), "a time that is not before \"from\"");
+  if (wanted.from && wanted.to && *wanted.to <= *wanted.from) {
+    QueryReader::Refuse("to", *query.Text("to"), "a day or a time that is not before \"from\"");
   }
   wanted.containing = query.Text("q").value_or("");
   wanted.before = query.Whole("before", 1, std::numeric_limits<long>::max());

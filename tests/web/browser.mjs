@@ -93,6 +93,14 @@ export async function until(find, what) {
 
 /** The house's civil day so many days on, "2026-11-21". */
 export function dayFromNow(days, zone = 'Europe/Berlin') {
-  const today = new Intl.DateTimeFormat('en-CA', {timeZone: zone}).format(new Date());
+  // Part by part: what a locale makes of them is another thing with every node.
+  const format = new Intl.DateTimeFormat('en', {
+    timeZone: zone,
+    year: 'numeric',
+    month: '2-digit',
+    day: '2-digit',
+  });
+  const parts = new Map(format.formatToParts(new Date()).map(({type, value}) => [type, value]));
+  const today = `${parts.get('year')}-${parts.get('month')}-${parts.get('day')}`;
   return new Date(Date.parse(`${today}T00:00:00Z`) + days * 86400000).toISOString().slice(0, 10);
 }
