@@ -37,9 +37,13 @@ export async function closeBrowser() {
 
 /**
  * A page of its own on `house`, ready; `options` as Playwright's contexts take them. What `expects`
- * matches may be said on the console.
+ * matches may be said on the console; `before` has the page before it goes there.
  */
-export async function open(house, path = '', {expects, ready = true, ...options} = {}) {
+export async function open(
+  house,
+  path = '',
+  {expects, ready = true, before = null, ...options} = {},
+) {
   const context = await browser.newContext({
     locale: 'en-GB',
     viewport: {width: 1280, height: 860},
@@ -59,6 +63,7 @@ export async function open(house, path = '', {expects, ready = true, ...options}
     if (!url.startsWith(house.url) && !url.startsWith('data:') && !url.startsWith('blob:'))
       complaints.push(`asks elsewhere: ${url}`);
   });
+  await before?.(page);
   await page.goto(house.url + path);
   if (ready) await page.waitForSelector('html[data-ready]');
   /** Ends the page; what it complained of is the test's failure. */

@@ -33,6 +33,8 @@ const main = document.getElementById('main');
 let view = null;
 let shownHash = null;
 let wantedRoute = null;
+/** The view that is wanted could not be fetched. */
+let unfetched = false;
 
 /** "#/calendar?view=week" as its view, path and parameters. */
 function routeOf(hash) {
@@ -55,9 +57,11 @@ async function show(focus) {
   const route = routeOf(location.hash);
   wantedRoute = route;
   const make = await route.load().catch(() => {
+    unfetched = true;
     throw new api.ApiError(0, {detail: t('error.offline')});
   });
   if (route !== wantedRoute) return; // Somebody was quicker than the network.
+  unfetched = false;
   view?.end?.();
   main.replaceChildren();
   view = make(main, route);
@@ -67,6 +71,15 @@ async function show(focus) {
     main.querySelector('h1')?.focus({preventScroll: true});
     scrollTo(0, 0);
   }
+}
+
+/** The controller is back. A browser may have noted for good that a view cannot be had. */
+async function fetchAgain() {
+  if (!unfetched) return;
+  await show(true).catch((error) => {
+    if (unfetched) location.reload();
+    else throw error;
+  });
 }
 
 function drawNav(current) {
@@ -200,7 +213,10 @@ function listen() {
   }
   house.addEventListener('project', drawHead);
   house.addEventListener('connection', () => {
-    if (house.connection === 'live') reached();
+    if (house.connection === 'live') {
+      reached();
+      fetchAgain().catch(failed);
+    }
     drawConnection();
   });
   house.addEventListener('saving', drawConnection);

@@ -228,6 +228,24 @@ test('a controller that goes away is missed, and greeted when it is back', async
   await page.done();
 });
 
+test('a view that could not be fetched comes when the controller is back', async () => {
+  const sun = '**/views/sun.js';
+  const page = await open(house, '#/events', {
+    expects: /ERR_|Failed to load resource/,
+    before: (blank) => blank.route(sun, (route) => route.abort()),
+  });
+  await page.locator('#connection.live').waitFor();
+  await house.halt();
+  await page.locator('#connection.lost').waitFor();
+  await page.getByRole('link', {name: 'Sun', exact: true}).click();
+  await page.locator('.notice.bad').waitFor();
+  await page.unroute(sun);
+  await house.restart();
+  await page.getByRole('heading', {level: 1, name: /^The sun in/}).waitFor();
+  await page.locator('#connection.live').waitFor();
+  await page.done();
+});
+
 test('a controller that waits for its clock is waited for, and the page begins by itself', async () => {
   const waiting = await House.start();
   try {
